@@ -1,0 +1,66 @@
+// The `lumivale` program: with a subcommand it works headless; --help lists the subcommands.
+
+#include "cli/Command.h"
+
+#include <QGuiApplication>
+
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+
+namespace {
+
+void printHelp() {
+    std::cout << "Lumivale " LUMIVALE_VERSION " keeps your screenshots in order.\n\n"
+                 "Usage: lumivale [--data DIR] COMMAND [OPTIONS]\n\n"
+                 "Commands:\n";
+    for (const auto& command : lumivale::cli::commands())
+        std::cout << "  lumivale " << command.usage << "\n      " << command.summary << "\n";
+    std::cout << "\nOptions for every command:\n"
+                 "  --data DIR   keep Lumivale's data in DIR (default: $LUMIVALE_DATA_DIR, else\n"
+                 "               ~/.local/share/Lumivale)\n"
+                 "  --help       show this help\n"
+                 "  --version    show the version\n\n"
+                 "Exit status: 0 done, 1 the action failed in whole or in part, 2 wrong usage.\n";
+}
+
+// Work without a display (scripts, CI, a terminal over ssh) on Qt's offscreen platform.
+void chooseHeadlessPlatform() {
+    if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY") && !std::getenv("QT_QPA_PLATFORM"))
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // Each reading thread runs its own recognition engine; their own threading would only compete.
+    setenv("OMP_THREAD_LIMIT", "1", 0);
+
+    std::vector<std::string> args(argv + 1, argv + argc);
+    bool missing = false;
+    const auto data = lumivale::cli::takeValues(args, "--data", missing);
+    if (missing)
+        return lumivale::cli::usageError("--data needs a folder");
+    if (!data.empty())
+        setenv("LUMIVALE_DATA_DIR", data.back().c_str(), 1);
+
+    if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
+        printHelp();
+        return lumivale::cli::Exit::done;
+    }
+    if (args[0] == "--version") {
+        std::cout << "lumivale " LUMIVALE_VERSION "\n";
+        return lumivale::cli::Exit::done;
+    }
+    for (const auto& command : lumivale::cli::commands()) {
+        if (args[0] != command.name)
+            continue;
+        chooseHeadlessPlatform();
+        QGuiApplication app(argc, argv);
+        QGuiApplication::setOrganizationName("Lumivale");
+        QGuiApplication::setApplicationName("Lumivale");
+        args.erase(args.begin());
+        return command.run(std::move(args));
+    }
+    return lumivale::cli::usageError("unknown command '" + args[0] + "' (see lumivale --help)");
+}
