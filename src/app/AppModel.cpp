@@ -1,0 +1,220 @@
+#include "app/AppModel.h"
+
+#include "app/Settings.h"
+#include "core/SearchQuery.h"
+#include "reading/Reader.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QImage>
+#include <QMimeData>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace lumivale {
+namespace {
+
+constexpr int maxReadings = 3;
+constexpr auto week = std::chrono::seconds(604800);
+
+AppModel::Services withDefaults(AppModel::Services s) {
+    if (!s.clock)
+        s.clock = [] { return lumivale::now(); };
+    if (!s.read)
+        s.read = [](const std::string& path, const std::vector<std::string>& languages) {
+            return Reader::read(path, languages);
+        };
+    if (!s.scheduler)
+        s.scheduler = std::make_shared<QtScheduler>();
+    if (!s.copyText)
+        s.copyText = [](const std::string& text) {
+            QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+        };
+    if (!s.copyImage)
+        s.copyImage = [](const std::string& path) {
+            QImage image(QString::fromStdString(path));
+            if (image.isNull())
+                return false;
+            auto* mime = new QMimeData;
+            mime->setImageData(image);
+            mime->setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
+            QGuiApplication::clipboard()->setMimeData(mime);
+            return true;
+        };
+    return s;
+}
+
+} // namespace
+
+AppModel::AppModel(Paths paths, QSettings& settings, Services services, QObject* parent)
+    : QObject(parent), paths_(std::move(paths)), settings_(settings),
+      services_(withDefaults(std::move(services))) {
+    blurPrivate_ = Settings::boolean(settings_, Settings::blurPrivate).value_or(true);
+    watch_ = Settings::boolean(settings_, Settings::watchFolders).value_or(true);
+    lockAfterMinutes_ = Settings::integer(settings_, Settings::lockAfterMinutes).value_or(5);
+    listPool_.setMaxThreadCount(1);
+    readPool_.setMaxThreadCount(maxReadings);
+    // One writer at a time, in order, so an older save never lands after a newer one.
+    savePool_.setMaxThreadCount(1);
+    connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, [this] { soon(); });
+}
+
+AppModel::~AppModel() {
+    listPool_.waitForDone();
+    readPool_.waitForDone();
+    savePool_.waitForDone();
+}
+
+// --- settings and simple state ----------------------------------------------------------------
+
+void AppModel::setPlace(Place place) {
+    if (place == place_)
+        return;
+    place_ = std::move(place);
+    emit placeChanged();
+}
+
+void AppModel::setQuery(std::string query) {
+    if (query == query_)
+        return;
+    query_ = std::move(query);
+    emit queryChanged();
+}
+
+void AppModel::setSelection(std::optional<std::string> path) {
+    if (path == selection_)
+        return;
+    selection_ = std::move(path);
+    emit selectionChanged();
+}
+
+void AppModel::setBlurPrivate(bool on) {
+    blurPrivate_ = on;
+    settings_.setValue(Settings::blurPrivate, on);
+    emit settingsChanged();
+}
+
+void AppModel::setWatch(bool on) {
+    watch_ = on;
+    settings_.setValue(Settings::watchFolders, on);
+    emit settingsChanged();
+    rewatch();
+}
+
+void AppModel::setLockAfterMinutes(int minutes) {
+    lockAfterMinutes_ = minutes;
+    settings_.setValue(Settings::lockAfterMinutes, minutes);
+    emit settingsChanged();
+}
+
+// --- start-up and saving ------------------------------------------------------------------------
+
+void AppModel::load() {
+    if (loaded_)
+        return;
+    loaded_ = true;
+    library_ = Library::load(paths_.libraryFile()).value_or(Library{});
+    rebuildSources();
+    emit libraryChanged();
+}
+
+void AppModel::start() {
+    if (started_)
+        return;
+    started_ = true;
+    load();
+    if (Settings::boolean(settings_, Settings::welcomeDone).value_or(false)) {
+        rescan();
+        rewatch();
+    } else {
+        showWelcome_ = true;
+    }
+}
+
+void AppModel::rebuildSources() {
+    std::vector<Source> next;
+    const auto skipped = [this](const std::string& path) {
+        const auto& s = library_.skippedFolders;
+        return std::find(s.begin(), s.end(), path) != s.end();
+    };
+    const auto listed = [&next](const std::string& path) {
+        return std::any_of(next.begin(), next.end(), [&](const Source& s) { return s.path == path; });
+    };
+    next.push_back({paths_.screenshotFolder, Source::Kind::screenshots, !skipped(paths_.screenshotFolder), true});
+    for (const std::string& folder : library_.extraFolders)
+        if (!listed(folder))
+            next.push_back({folder, Source::Kind::added, !skipped(folder), true});
+    if (!listed(paths_.archive))
+        next.push_back({paths_.archive, Source::Kind::archive, true, true});
+    for (Source& source : next)
+        for (const Source& old : sources_)
+            if (old.path == source.path)
+                source.readable = old.readable;
+    sources_ = std::move(next);
+    emit sourcesChanged();
+}
+
+void AppModel::save() {
+    auto shots = library_.all();
+    auto extra = library_.extraFolders;
+    auto skipped = library_.skippedFolders;
+    const std::string file = paths_.libraryFile();
+    savePool_.start([this, file, shots = std::move(shots), extra = std::move(extra),
+                     skipped = std::move(skipped)] {
+        const bool ok = Library::write(file, shots, extra, skipped).isOk();
+        QMetaObject::invokeMethod(this, [this, ok] { emit saved(ok); }, Qt::QueuedConnection);
+    });
+}
+
+void AppModel::saveNow() {
+    savePool_.waitForDone();
+    library_.save(paths_.libraryFile());
+}
+
+// --- derived values -------------------------------------------------------------------------
+
+std::vector<ShotPtr> AppModel::shots(const Place& place) const {
+    std::vector<ShotPtr> out;
+    const Date cutoff = now() - week;
+    const std::string prefix = place.folder + "/";
+    for (const auto& [path, shot] : library_.shots) {
+        bool in = false;
+        switch (place.kind) {
+        case Place::Kind::shelf: in = shot->isRead() && shot->category() == place.shelf; break;
+        case Place::Kind::folder: in = path.compare(0, prefix.size(), prefix) == 0; break;
+        case Place::Kind::privateOnes: in = shot->isRead() && shot->isSensitive(); break;
+        case Place::Kind::recent: in = shot->date() >= cutoff; break;
+        case Place::Kind::overview:
+        case Place::Kind::all:
+        case Place::Kind::locked: in = true; break;
+        }
+        if (in)
+            out.push_back(shot);
+    }
+    return out;
+}
+
+std::vector<ShotPtr> AppModel::visible() const {
+    const Place place = place_.kind == Place::Kind::overview ? Place::of(Place::Kind::all) : place_;
+    return SearchQuery(query_).rank(shots(place));
+}
+
+const Shot* AppModel::selected() const { return selection_ ? library_.find(*selection_) : nullptr; }
+
+std::vector<ShotPtr> AppModel::newest(Shelf shelf, size_t n) const {
+    std::vector<ShotPtr> list = shots(Place::ofShelf(shelf));
+    const size_t count = std::min(n, list.size());
+    std::partial_sort(list.begin(), list.begin() + static_cast<long>(count), list.end(),
+                      [](const ShotPtr& a, const ShotPtr& b) { return a->date() > b->date(); });
+    list.resize(count);
+    return list;
+}
+
+Tally AppModel::tally() const { return Tally(library_.all()); }
+
+bool AppModel::isHidden(const Shot& shot) const {
+    return blurPrivate_ && shot.isSensitive() && !revealed_.count(shot.path);
+}
+
+} // namespace lumivale

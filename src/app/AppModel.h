@@ -1,0 +1,194 @@
+#pragma once
+
+#include "app/Banner.h"
+#include "app/Paths.h"
+#include "app/Place.h"
+#include "app/Scheduler.h"
+#include "app/Source.h"
+#include "core/Folders.h"
+#include "core/Library.h"
+#include "core/Reading.h"
+#include "core/Tally.h"
+
+#include <QFileSystemWatcher>
+#include <QObject>
+#include <QSettings>
+#include <QThreadPool>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace lumivale {
+
+// The one owner of the application's state. The window, the command line and the self-check all
+// drive this object; it lives on the main thread, and its background work (listing, reading,
+// saving) hands results back to the main thread.
+class AppModel : public QObject {
+    Q_OBJECT
+
+public:
+    using ReadFn = std::function<Reading(const std::string& path, const std::vector<std::string>& languages)>;
+    using Clock = std::function<Date()>;
+
+    // The side effects a test or the self-check replaces; defaults are the real ones.
+    struct Services {
+        Clock clock;                         // default: the system clock
+        ReadFn read;                         // default: Reader::read
+        std::shared_ptr<Scheduler> scheduler; // default: Qt's timers
+        std::function<void(const std::string& text)> copyText;   // default: the clipboard
+        std::function<bool(const std::string& path)> copyImage;  // default: the clipboard
+    };
+
+    struct Progress {
+        int64_t done = 0;
+        int64_t total = 0;
+        bool operator==(const Progress&) const = default;
+    };
+
+    // The settings store is the caller's and must outlive the model.
+    AppModel(Paths paths, QSettings& settings, Services services = {}, QObject* parent = nullptr);
+    ~AppModel() override;
+
+    // --- state -------------------------------------------------------------------------------
+    const Paths& paths() const { return paths_; }
+    const Library& library() const { return library_; }
+    const std::vector<Source>& sources() const { return sources_; }
+    const Place& place() const { return place_; }
+    const std::string& query() const { return query_; }
+    const std::optional<std::string>& selection() const { return selection_; }
+    const std::optional<Progress>& progress() const { return progress_; }
+    bool scanning() const { return scanning_; }
+    bool reading() const { return reading_; }
+    const std::optional<Banner>& banner() const { return banner_; }
+    const std::set<std::string>& revealed() const { return revealed_; }
+    bool showWelcome() const { return showWelcome_; }
+    bool blurPrivate() const { return blurPrivate_; }
+    bool watch() const { return watch_; }
+    int lockAfterMinutes() const { return lockAfterMinutes_; }
+    Date now() const { return services_.clock(); }
+    // The folders being watched for changes.
+    QStringList watchedFolders() const { return watcher_.directories(); }
+
+    void setPlace(Place place);
+    void setQuery(std::string query);
+    void setSelection(std::optional<std::string> path);
+    void setBlurPrivate(bool on);
+    void setWatch(bool on);
+    void setLockAfterMinutes(int minutes);
+
+    // --- start-up and saving -----------------------------------------------------------------
+    // Loads the library and journal, builds the sources, and scans and watches once the welcome
+    // is done. Runs once; later calls do nothing.
+    void start();
+    // Loads the saved state and builds the sources, without scanning (the command line's start).
+    void load();
+    // Recomputes the folders that are read from the screenshot folder, the added folders and
+    // the archive.
+    void rebuildSources();
+    // Saves copies of the library and journal in the background; later saves land later.
+    void save();
+    // Saves on the calling thread, after any background save.
+    void saveNow();
+
+    // --- derived values ----------------------------------------------------------------------
+    std::vector<ShotPtr> all() const { return library_.all(); }
+    std::vector<ShotPtr> shots(const Place& place) const;
+    // The shots of the current place, ranked and filtered by the query.
+    std::vector<ShotPtr> visible() const;
+    const Shot* selected() const;
+    // The n newest read shots of a shelf, newest first.
+    std::vector<ShotPtr> newest(Shelf shelf, size_t n) const;
+    Tally tally() const;
+    // Whether views must blur the shot.
+    bool isHidden(const Shot& shot) const;
+
+    // --- the scan and read cycle -------------------------------------------------------------
+    // Lists every enabled source in the background and merges what it finds.
+    void rescan();
+    // Reads the waiting shots, newest first, at most three at a time.
+    void readWaiting();
+    // Rebuilds the folder watchers.
+    void rewatch();
+    // Runs the event loop until neither a scan nor a read is under way.
+    void waitUntilIdle();
+    // The reading languages, computed once.
+    const std::vector<std::string>& languages();
+
+    // --- library actions ---------------------------------------------------------------------
+    void setShelf(const std::string& path, std::optional<Shelf> shelf);
+    void reveal(const std::string& path);
+    void copyText(const Shot& shot);
+    void copyImage(const Shot& shot);
+    void flash(std::string text, bool error = false);
+    void addFolder(const std::string& path);
+    void removeFolder(const Source& source);
+    void setEnabled(const Source& source, bool on);
+
+signals:
+    void libraryChanged();
+    void sourcesChanged();
+    void placeChanged();
+    void queryChanged();
+    void selectionChanged();
+    void progressChanged();
+    void scanningChanged();
+    void bannerChanged();
+    void revealedChanged();
+    void settingsChanged();
+    // A reading was stored for this path.
+    void shotRead(const QString& path);
+    // A background save finished (true when it wrote both files).
+    void saved(bool ok);
+
+private:
+    struct ScanResult {
+        Source source;
+        bool readable = false;
+        std::vector<FoundFile> files;
+    };
+
+    Paths paths_;
+    QSettings& settings_;
+    Services services_;
+    Library library_;
+    std::vector<Source> sources_;
+    Place place_;
+    std::string query_;
+    std::optional<std::string> selection_;
+    std::optional<Progress> progress_;
+    bool scanning_ = false;
+    bool reading_ = false;
+    std::optional<Banner> banner_;
+    std::set<std::string> revealed_;
+    bool showWelcome_ = false;
+    bool blurPrivate_ = true;
+    bool watch_ = true;
+    int lockAfterMinutes_ = 5;
+    bool started_ = false;
+    bool loaded_ = false;
+    bool rescanAgain_ = false;
+    std::optional<std::vector<std::string>> languages_;
+
+    std::vector<std::string> readQueue_;
+    size_t readNext_ = 0;
+    int readsInFlight_ = 0;
+    std::shared_ptr<Timer> rescanPending_;
+    QFileSystemWatcher watcher_;
+    QThreadPool listPool_;
+    QThreadPool readPool_;
+    QThreadPool savePool_;
+
+    void merge(const std::vector<ScanResult>& results);
+    void startReads();
+    void finishReading(const std::string& path, const Reading& reading);
+    void applyReading(const std::string& path, const Reading& reading);
+    void soon();
+    void finishFolderChange();
+    void showBanner(Banner banner);
+};
+
+} // namespace lumivale

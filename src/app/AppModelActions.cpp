@@ -1,0 +1,109 @@
+// The small actions on shots and folders: shelving by hand, revealing, copying, banners and the
+// list of folders that are read.
+
+#include "app/AppModel.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+namespace lumivale {
+namespace {
+
+constexpr auto revealFor = std::chrono::seconds(30);
+constexpr auto bannerFor = std::chrono::seconds(4);
+constexpr auto bannerWithUndoFor = std::chrono::seconds(12);
+
+void removeFrom(std::vector<std::string>& list, const std::string& value) {
+    list.erase(std::remove(list.begin(), list.end(), value), list.end());
+}
+
+bool contains(const std::vector<std::string>& list, const std::string& value) {
+    return std::find(list.begin(), list.end(), value) != list.end();
+}
+
+} // namespace
+
+void AppModel::setShelf(const std::string& path, std::optional<Shelf> shelf) {
+    const bool changed = library_.update(path, [&](Shot& shot) {
+        // Choosing the sorter's own shelf again clears the hand-made choice.
+        shot.manual = (shelf && *shelf != shot.guess) ? shelf : std::nullopt;
+    });
+    if (!changed)
+        return;
+    emit libraryChanged();
+    save();
+}
+
+void AppModel::reveal(const std::string& path) {
+    revealed_.insert(path);
+    emit revealedChanged();
+    // Each reveal has its own timer: an earlier one ends the reveal even if the shot was
+    // revealed again meanwhile.
+    services_.scheduler->after(revealFor, this, [this, path] {
+        if (revealed_.erase(path))
+            emit revealedChanged();
+    });
+}
+
+void AppModel::copyText(const Shot& shot) {
+    services_.copyText(shot.text());
+    flash("Copied the words in \u201c" + std::string(shot.name()) + "\u201d");
+}
+
+void AppModel::copyImage(const Shot& shot) {
+    if (services_.copyImage(shot.path))
+        flash("Copied the screenshot");
+    else
+        flash("The screenshot couldn't be read.", true);
+}
+
+void AppModel::flash(std::string text, bool error) {
+    showBanner(Banner{QUuid::createUuid(), std::move(text), std::nullopt, error});
+}
+
+void AppModel::showBanner(Banner banner) {
+    const QUuid id = banner.id;
+    const auto duration = banner.undo ? bannerWithUndoFor : bannerFor;
+    banner_ = std::move(banner);
+    emit bannerChanged();
+    services_.scheduler->after(duration, this, [this, id] {
+        // A newer banner keeps its full time.
+        if (banner_ && banner_->id == id) {
+            banner_.reset();
+            emit bannerChanged();
+        }
+    });
+}
+
+void AppModel::addFolder(const std::string& path) {
+    const std::string clean = QDir::cleanPath(QString::fromStdString(path)).toStdString();
+    if (clean != paths_.screenshotFolder && !contains(library_.extraFolders, clean))
+        library_.extraFolders.push_back(clean);
+    finishFolderChange();
+}
+
+void AppModel::removeFolder(const Source& source) {
+    removeFrom(library_.extraFolders, source.path);
+    removeFrom(library_.skippedFolders, source.path);
+    if (place_.kind == Place::Kind::folder && place_.folder == source.path)
+        setPlace(Place::of(Place::Kind::overview));
+    finishFolderChange();
+}
+
+void AppModel::setEnabled(const Source& source, bool on) {
+    if (on)
+        removeFrom(library_.skippedFolders, source.path);
+    else if (!contains(library_.skippedFolders, source.path))
+        library_.skippedFolders.push_back(source.path);
+    finishFolderChange();
+}
+
+void AppModel::finishFolderChange() {
+    rebuildSources();
+    save();
+    rescan();
+    rewatch();
+}
+
+} // namespace lumivale

@@ -1,0 +1,32 @@
+#pragma once
+
+// What every command that works on the user's library needs: the settings, the model over the
+// live paths, loaded.
+
+#include "app/AppModel.h"
+
+#include <QSettings>
+
+#include <memory>
+
+namespace lumivale::cli {
+
+class Session {
+public:
+    Session();
+    AppModel& model() { return *model_; }
+    QSettings& settings() { return settings_; }
+
+private:
+    QSettings settings_;
+    std::unique_ptr<AppModel> model_;
+};
+
+// Whether standard error is a terminal (progress bars are drawn only there).
+bool stderrIsTerminal();
+// Whether standard input is a terminal (questions are asked only there).
+bool stdinIsTerminal();
+// An absolute, clean form of a path given on the command line.
+std::string absolutePath(const std::string& path);
+
+} // namespace lumivale::cli
