@@ -4,6 +4,8 @@
 #include "cli/Output.h"
 #include "cli/Session.h"
 
+#include <QJsonObject>
+
 #include <chrono>
 #include <cstdio>
 #include <iostream>
@@ -51,16 +53,21 @@ int scan(std::vector<std::string> args) {
             if (model.progress())
                 bar.draw(model.progress()->done, model.progress()->total);
         });
+    int64_t read = 0;
+    QObject::connect(&model, &AppModel::shotRead, [&read] { ++read; });
     model.rescan();
     model.waitUntilIdle();
     bar.finish();
     model.saveNow();
 
     const Tally tally = model.tally();
-    if (json)
-        printJsonLine(tallyJson(tally));
-    else
-        std::cout << tallyText(tally);
+    if (json) {
+        QJsonObject result = tallyJson(tally);
+        result["read"] = static_cast<qint64>(read);
+        printJsonLine(result);
+    } else {
+        std::cout << "Read " << read << (read == 1 ? " picture" : " pictures") << ".\n" << tallyText(tally);
+    }
     for (const Source& source : model.sources())
         if (source.enabled && !source.readable)
             printError("can't open " + source.path);
