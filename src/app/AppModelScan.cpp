@@ -6,6 +6,7 @@
 #include "core/Folders.h"
 #include "core/ScreenshotFolder.h"
 #include "core/Sorter.h"
+#include "platform/UserFolders.h"
 #include "reading/ReadingLanguages.h"
 
 #include <QCoreApplication>
@@ -38,7 +39,9 @@ void AppModel::rescan() {
     const std::set<std::string> skipping = {paths_.data, paths_.vault};
     // A folder of its own holds only screenshots, whatever their names; a shared one (home,
     // Desktop, Pictures) is filtered by name and mark.
-    const bool sharedScreenshotFolder = ScreenshotFolder::isShared(paths_.screenshotFolder, QDir::homePath().toStdString());
+    const std::string home = QDir::homePath().toStdString();
+    const bool sharedScreenshotFolder =
+        ScreenshotFolder::isShared(paths_.screenshotFolder, home, UserFolders::dirs(home));
 
     // The pools are waited for when the model goes, so `this` outlives every task; a result
     // posted to the model is dropped by Qt if the model is gone before it is delivered.

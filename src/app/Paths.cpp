@@ -1,8 +1,8 @@
 #include "app/Paths.h"
 
 #include "app/Settings.h"
-#include "core/UserDirs.h"
 #include "platform/ScreenshotFolderLocation.h"
+#include "platform/UserFolders.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -25,7 +25,7 @@ Paths Paths::live(const QSettings& settings) {
     else
         data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation).toStdString() + "/Lumivale";
     std::string archive = Settings::string(settings, Settings::archiveFolder)
-                              .value_or(UserDirs::pictures(home) + "/Lumivale Archive");
+                              .value_or(UserFolders::dirs(home).pictures + "/Lumivale Archive");
     return at(std::move(data), ScreenshotFolder::current(home), std::move(archive));
 }
 
