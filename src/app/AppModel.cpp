@@ -2,6 +2,7 @@
 
 #include "app/Settings.h"
 #include "core/SearchQuery.h"
+#include "platform/Trash.h"
 #include "reading/Reader.h"
 
 #include <QClipboard>
@@ -42,6 +43,10 @@ AppModel::Services withDefaults(AppModel::Services s) {
             QGuiApplication::clipboard()->setMimeData(mime);
             return true;
         };
+    if (!s.trasher)
+        s.trasher = [](const std::string& path) { return Trash::systemTrash(path); };
+    if (!s.confirm)
+        s.confirm = [](const std::string&, const std::string&, const std::string&) { return false; };
     return s;
 }
 
@@ -115,6 +120,7 @@ void AppModel::load() {
         return;
     loaded_ = true;
     library_ = Library::load(paths_.libraryFile()).value_or(Library{});
+    journals_ = JournalBook::load(paths_.journalFile());
     rebuildSources();
     emit libraryChanged();
 }
@@ -160,9 +166,11 @@ void AppModel::save() {
     auto extra = library_.extraFolders;
     auto skipped = library_.skippedFolders;
     const std::string file = paths_.libraryFile();
-    savePool_.start([this, file, shots = std::move(shots), extra = std::move(extra),
-                     skipped = std::move(skipped)] {
-        const bool ok = Library::write(file, shots, extra, skipped).isOk();
+    const std::string journalFile = paths_.journalFile();
+    savePool_.start([this, file, journalFile, shots = std::move(shots), extra = std::move(extra),
+                     skipped = std::move(skipped), journals = journals_] {
+        const bool wroteLibrary = Library::write(file, shots, extra, skipped).isOk();
+        const bool ok = journals.save(journalFile).isOk() && wroteLibrary;
         QMetaObject::invokeMethod(this, [this, ok] { emit saved(ok); }, Qt::QueuedConnection);
     });
 }
@@ -170,6 +178,7 @@ void AppModel::save() {
 void AppModel::saveNow() {
     savePool_.waitForDone();
     library_.save(paths_.libraryFile());
+    journals_.save(paths_.journalFile());
 }
 
 // --- derived values -------------------------------------------------------------------------

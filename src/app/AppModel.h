@@ -6,9 +6,12 @@
 #include "app/Scheduler.h"
 #include "app/Source.h"
 #include "core/Folders.h"
+#include "core/JournalBook.h"
 #include "core/Library.h"
 #include "core/Reading.h"
 #include "core/Tally.h"
+#include "core/TidyPlan.h"
+#include "core/TidyRun.h"
 
 #include <QFileSystemWatcher>
 #include <QObject>
@@ -33,6 +36,9 @@ class AppModel : public QObject {
 public:
     using ReadFn = std::function<Reading(const std::string& path, const std::vector<std::string>& languages)>;
     using Clock = std::function<Date()>;
+    // Asks the user to confirm: the question, the detail, the button that goes ahead.
+    using Confirm = std::function<bool(const std::string& message, const std::string& detail,
+                                       const std::string& button)>;
 
     // The side effects a test or the self-check replaces; defaults are the real ones.
     struct Services {
@@ -41,6 +47,8 @@ public:
         std::shared_ptr<Scheduler> scheduler; // default: Qt's timers
         std::function<void(const std::string& text)> copyText;   // default: the clipboard
         std::function<bool(const std::string& path)> copyImage;  // default: the clipboard
+        Trasher trasher;                     // default: the freedesktop.org Trash
+        Confirm confirm;                     // default: refuses; each front end brings its own
     };
 
     struct Progress {
@@ -56,6 +64,7 @@ public:
     // --- state -------------------------------------------------------------------------------
     const Paths& paths() const { return paths_; }
     const Library& library() const { return library_; }
+    const JournalBook& journals() const { return journals_; }
     const std::vector<Source>& sources() const { return sources_; }
     const Place& place() const { return place_; }
     const std::string& query() const { return query_; }
@@ -128,8 +137,19 @@ public:
     void removeFolder(const Source& source);
     void setEnabled(const Source& source, bool on);
 
+    // --- tidy actions ------------------------------------------------------------------------
+    // Runs a plan; nothing when it is empty.
+    std::optional<TidyResult> tidy(const TidyPlan& plan);
+    // Puts screenshots in the Trash after confirmation; nothing when declined or empty.
+    std::optional<TidyResult> trash(const std::vector<std::string>& paths);
+    // Puts back what a journal did.
+    void undo(const Journal& journal);
+    void undoLast();
+    bool canUndo() const;
+
 signals:
     void libraryChanged();
+    void journalsChanged();
     void sourcesChanged();
     void placeChanged();
     void queryChanged();
@@ -155,6 +175,7 @@ private:
     QSettings& settings_;
     Services services_;
     Library library_;
+    JournalBook journals_;
     std::vector<Source> sources_;
     Place place_;
     std::string query_;
@@ -189,6 +210,7 @@ private:
     void soon();
     void finishFolderChange();
     void showBanner(Banner banner);
+    void report(const TidyResult& result, const std::string& verb);
 };
 
 } // namespace lumivale

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/Journal.h"
+#include "core/TidyRun.h"
 
 #include <QUuid>
 
