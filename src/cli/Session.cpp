@@ -3,14 +3,39 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <iostream>
 #include <unistd.h>
 
 namespace lumivale::cli {
 
-Session::Session()
+namespace {
+
+AppModel::Services servicesFor(bool yes) {
+    AppModel::Services services;
+    if (yes)
+        services.confirm = [](const std::string&, const std::string&, const std::string&) { return true; };
+    else
+        services.confirm = confirmOnTerminal;
+    return services;
+}
+
+} // namespace
+
+Session::Session(bool yes)
     : settings_(QSettings::IniFormat, QSettings::UserScope, "Lumivale", "Lumivale"),
-      model_(std::make_unique<AppModel>(Paths::live(settings_), settings_)) {
+      model_(std::make_unique<AppModel>(Paths::live(settings_), settings_, servicesFor(yes))) {
     model_->load();
+}
+
+bool confirmOnTerminal(const std::string& message, const std::string& detail, const std::string& button) {
+    if (!stdinIsTerminal()) {
+        std::cerr << "lumivale: " << message << " Not confirmed: run with --yes to go ahead without asking.\n";
+        return false;
+    }
+    std::cerr << message << "\n" << detail << "\n" << button << "? [y/N] " << std::flush;
+    std::string answer;
+    std::getline(std::cin, answer);
+    return !answer.empty() && (answer[0] == 'y' || answer[0] == 'Y');
 }
 
 bool stderrIsTerminal() { return isatty(STDERR_FILENO) == 1; }

@@ -13,7 +13,8 @@ namespace lumivale::cli {
 
 class Session {
 public:
-    Session();
+    // `yes` answers every confirmation with yes; otherwise questions are asked on the terminal.
+    explicit Session(bool yes = false);
     AppModel& model() { return *model_; }
     QSettings& settings() { return settings_; }
 
@@ -21,6 +22,9 @@ private:
     QSettings settings_;
     std::unique_ptr<AppModel> model_;
 };
+
+// Asks on the terminal; refuses (saying how to go ahead) when standard input is not one.
+bool confirmOnTerminal(const std::string& message, const std::string& detail, const std::string& button);
 
 // Whether standard error is a terminal (progress bars are drawn only there).
 bool stderrIsTerminal();
