@@ -2,6 +2,9 @@
 
 #include "app/Settings.h"
 #include "core/SearchQuery.h"
+#include "platform/Authenticator.h"
+#include "platform/KeychainKey.h"
+#include "platform/PasswordPrompt.h"
 #include "platform/Trash.h"
 #include "reading/Reader.h"
 
@@ -45,6 +48,11 @@ AppModel::Services withDefaults(AppModel::Services s) {
         };
     if (!s.trasher)
         s.trasher = [](const std::string& path) { return Trash::systemTrash(path); };
+    if (!s.authenticate)
+        s.authenticate = [auth = std::shared_ptr<Authenticator>(systemAuthenticator(terminalPasswordPrompt()))](
+                             const std::string& reason) { return auth->authenticate(reason); };
+    if (!s.keySource)
+        s.keySource = std::make_shared<KeychainKey>();
     if (!s.confirm)
         s.confirm = [](const std::string&, const std::string&, const std::string&) { return false; };
     return s;
@@ -121,6 +129,7 @@ void AppModel::load() {
     loaded_ = true;
     library_ = Library::load(paths_.libraryFile()).value_or(Library{});
     journals_ = JournalBook::load(paths_.journalFile());
+    vaultCount_ = Vault(paths_.vault).count();
     rebuildSources();
     emit libraryChanged();
 }
@@ -136,6 +145,14 @@ void AppModel::start() {
     } else {
         showWelcome_ = true;
     }
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive) {
+            if (Settings::boolean(settings_, Settings::welcomeDone).value_or(false))
+                rescan();
+        } else {
+            applicationLeft();
+        }
+    });
 }
 
 void AppModel::rebuildSources() {

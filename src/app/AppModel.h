@@ -12,13 +12,17 @@
 #include "core/Tally.h"
 #include "core/TidyPlan.h"
 #include "core/TidyRun.h"
+#include "core/Vault.h"
+#include "core/VaultKeySource.h"
 
 #include <QFileSystemWatcher>
+#include <QImage>
 #include <QObject>
 #include <QSettings>
 #include <QThreadPool>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -49,6 +53,10 @@ public:
         std::function<bool(const std::string& path)> copyImage;  // default: the clipboard
         Trasher trasher;                     // default: the freedesktop.org Trash
         Confirm confirm;                     // default: refuses; each front end brings its own
+        // Asks for the owner's authentication, saying what for. Default: polkit, else the
+        // account password (PAM) asked on the terminal.
+        std::function<bool(const std::string& reason)> authenticate;
+        std::shared_ptr<VaultKeySource> keySource; // default: the key in the user's keyring
     };
 
     struct Progress {
@@ -137,6 +145,35 @@ public:
     void removeFolder(const Source& source);
     void setEnabled(const Source& source, bool on);
 
+    // --- the locked area ---------------------------------------------------------------------
+    bool vaultOpen() const { return vaultOpen_; }
+    int64_t vaultCount() const { return vaultCount_; }
+    const std::vector<LockedShot>& lockedItems() const { return lockedItems_; }
+    const std::optional<std::string>& lockedSelection() const { return lockedSelection_; }
+    void setLockedSelection(std::optional<std::string> id);
+    // Authenticates, then fetches the key; an error banner when the keyring fails.
+    std::optional<VaultKey> vaultKey(const std::string& reason);
+    // Locks screenshots away after confirmation and authentication; the originals go to the Trash.
+    void lock(const std::vector<std::string>& paths);
+    void unlockVault();
+    void lockVault();
+    // Lists the open locked area again (or only counts it while closed).
+    void refreshVault();
+    // The decrypted picture of a locked item while the area is open.
+    std::optional<QImage> lockedImage(const std::string& id);
+    // The locked items matching the query while open, best first.
+    std::vector<LockedShot> lockedMatches() const;
+    // Writes a locked item back into a folder; the path it was written to, or nothing.
+    std::optional<std::string> restore(const LockedShot& item, const std::string& folder);
+    // Moves a locked item's file to the Trash after confirmation.
+    bool discard(const LockedShot& item);
+    // Closes the open locked area after this long (never sooner than 30 seconds).
+    void scheduleAutoLock(std::chrono::seconds after);
+    // Restarts the auto-lock from now, after the set minutes.
+    void touchVault();
+    // The application stopped being active: close the locked area a minute from now.
+    void applicationLeft();
+
     // --- tidy actions ------------------------------------------------------------------------
     // Runs a plan; nothing when it is empty.
     std::optional<TidyResult> tidy(const TidyPlan& plan);
@@ -150,6 +187,7 @@ public:
 signals:
     void libraryChanged();
     void journalsChanged();
+    void vaultChanged();
     void sourcesChanged();
     void placeChanged();
     void queryChanged();
@@ -176,6 +214,13 @@ private:
     Services services_;
     Library library_;
     JournalBook journals_;
+    bool vaultOpen_ = false;
+    int64_t vaultCount_ = 0;
+    std::vector<LockedShot> lockedItems_;
+    std::optional<std::string> lockedSelection_;
+    std::optional<VaultKey> key_;
+    std::map<std::string, QImage> lockedImages_;
+    std::shared_ptr<Timer> autoLock_;
     std::vector<Source> sources_;
     Place place_;
     std::string query_;
