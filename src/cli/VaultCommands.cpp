@@ -1,0 +1,135 @@
+// lumivale lock, locked, restore and discard: the locked area from the command line. Every one
+// of them asks for the owner's authentication first.
+
+#include "cli/Command.h"
+#include "cli/Output.h"
+#include "cli/Session.h"
+
+#include <QJsonObject>
+
+#include <iostream>
+
+namespace lumivale::cli {
+namespace {
+
+int printBanner(AppModel& model) {
+    model.saveNow();
+    if (!model.banner())
+        return Exit::failed;
+    (model.banner()->isError ? std::cerr : std::cout) << model.banner()->text << "\n";
+    return model.banner()->isError ? Exit::failed : Exit::done;
+}
+
+// Opens the locked area; false (after saying why, when there is something to say) if it stays shut.
+bool open(AppModel& model) {
+    model.unlockVault();
+    if (model.vaultOpen())
+        return true;
+    if (model.banner())
+        std::cerr << model.banner()->text << "\n";
+    else
+        printError("the locked area stays closed (authentication was cancelled or failed)");
+    return false;
+}
+
+const LockedShot* findItem(const AppModel& model, const std::string& id) {
+    for (const LockedShot& item : model.lockedItems())
+        if (item.id == id)
+            return &item;
+    return nullptr;
+}
+
+int lock(std::vector<std::string> args) {
+    const bool yes = takeFlag(args, "--yes");
+    if (args.empty())
+        return usageError("usage: lumivale lock PATH... [--yes]");
+    std::vector<std::string> paths;
+    for (const std::string& arg : args)
+        paths.push_back(absolutePath(arg));
+    Session session(yes);
+    AppModel& model = session.model();
+    for (const std::string& path : paths)
+        if (!model.library().find(path)) {
+            printError(path + " isn't in the library (run lumivale scan first)");
+            return Exit::failed;
+        }
+    const int64_t before = model.vaultCount();
+    model.lock(paths);
+    if (!model.banner()) {
+        printError("nothing was locked");
+        return Exit::failed;
+    }
+    const int status = printBanner(model);
+    return model.vaultCount() > before ? status : Exit::failed;
+}
+
+int locked(std::vector<std::string> args) {
+    const bool json = takeFlag(args, "--json");
+    if (!args.empty())
+        return usageError("usage: lumivale locked [--json]");
+    Session session;
+    AppModel& model = session.model();
+    if (!open(model))
+        return Exit::failed;
+    for (const LockedShot& item : model.lockedItems()) {
+        if (json)
+            printJsonLine({{"id", QString::fromStdString(item.id)},
+                           {"name", QString::fromStdString(std::string(item.shot.name()))},
+                           {"from", QString::fromStdString(std::string(item.shot.folder()))},
+                           {"shelf", QString::fromUtf8(shelfId(item.shot.category()).data())},
+                           {"lockedAt", isoDate(item.lockedAt)}});
+        else
+            std::cout << item.id << "  " << isoDate(item.lockedAt).toStdString() << "  " << item.shot.path << "\n";
+    }
+    if (model.banner()) // files that cannot be opened with this key
+        std::cerr << model.banner()->text << "\n";
+    return Exit::done;
+}
+
+int restore(std::vector<std::string> args) {
+    bool missing = false;
+    const auto to = takeValues(args, "--to", missing);
+    if (missing || args.size() != 1)
+        return usageError("usage: lumivale restore ID [--to DIR]");
+    Session session;
+    AppModel& model = session.model();
+    if (!open(model))
+        return Exit::failed;
+    const LockedShot* item = findItem(model, args[0]);
+    if (!item) {
+        printError("nothing locked has the id " + args[0]);
+        return Exit::failed;
+    }
+    const std::string folder = to.empty() ? std::string(item->shot.folder()) : absolutePath(to.back());
+    const LockedShot chosen = *item;
+    model.restore(chosen, folder);
+    return printBanner(model);
+}
+
+int discard(std::vector<std::string> args) {
+    const bool yes = takeFlag(args, "--yes");
+    if (args.size() != 1)
+        return usageError("usage: lumivale discard ID [--yes]");
+    Session session(yes);
+    AppModel& model = session.model();
+    if (!open(model))
+        return Exit::failed;
+    const LockedShot* item = findItem(model, args[0]);
+    if (!item) {
+        printError("nothing locked has the id " + args[0]);
+        return Exit::failed;
+    }
+    const LockedShot chosen = *item;
+    if (!model.discard(chosen))
+        return model.banner() ? printBanner(model) : Exit::failed;
+    std::cout << "Moved the locked file of \u201c" << chosen.shot.name() << "\u201d to the Trash.\n";
+    return Exit::done;
+}
+
+LUMIVALE_COMMAND("lock", "lock PATH... [--yes]", "locks screenshots away, encrypted; the originals go to the Trash", lock);
+LUMIVALE_COMMAND("locked", "locked [--json]", "lists the locked screenshots", locked);
+LUMIVALE_COMMAND("restore", "restore ID [--to DIR]", "writes a locked screenshot back as an ordinary file", restore);
+LUMIVALE_COMMAND("discard", "discard ID [--yes]", "moves a locked screenshot's encrypted file to the Trash", discard);
+
+} // namespace
+} // namespace lumivale::cli
