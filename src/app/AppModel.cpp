@@ -192,6 +192,8 @@ void AppModel::save() {
     });
 }
 
+void AppModel::waitForSaves() { savePool_.waitForDone(); }
+
 void AppModel::saveNow() {
     savePool_.waitForDone();
     library_.save(paths_.libraryFile());

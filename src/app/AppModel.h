@@ -110,6 +110,8 @@ public:
     void save();
     // Saves on the calling thread, after any background save.
     void saveNow();
+    // Waits until the background saves asked for so far have been written.
+    void waitForSaves();
 
     // --- derived values ----------------------------------------------------------------------
     std::vector<ShotPtr> all() const { return library_.all(); }
