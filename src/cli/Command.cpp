@@ -1,6 +1,7 @@
 #include "cli/Command.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 
 namespace lumivale::cli {
@@ -59,5 +60,11 @@ int usageError(const std::string& message) {
 }
 
 void printError(const std::string& message) { std::cerr << "lumivale: " << message << "\n"; }
+
+std::string absolutePathOf(const std::string& path) {
+    std::error_code ec;
+    const auto absolute = std::filesystem::absolute(path, ec);
+    return (ec ? std::filesystem::path(path) : absolute).lexically_normal().string();
+}
 
 } // namespace lumivale::cli

@@ -35,6 +35,10 @@ std::vector<std::string> takeValues(std::vector<std::string>& args, const std::s
 int usageError(const std::string& message);
 // Prints "lumivale: " + message to standard error.
 void printError(const std::string& message);
+// An absolute, clean form of a path given on the command line.
+std::string absolutePathOf(const std::string& path);
+// The self-check into DIR (also entered through LUMIVALE_SELFTEST).
+int selfCheck(std::vector<std::string> args);
 
 } // namespace lumivale::cli
 

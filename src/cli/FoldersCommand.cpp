@@ -49,7 +49,7 @@ int folders(std::vector<std::string> args) {
     if (args.size() != 2)
         return usageError("usage: lumivale folders [--json] [add|remove|on|off PATH]");
     const std::string& verb = args[0];
-    const std::string path = absolutePath(args[1]);
+    const std::string path = absolutePathOf(args[1]);
     const auto source = std::find_if(model.sources().begin(), model.sources().end(),
                                      [&](const Source& s) { return s.path == path; });
     if (verb == "add") {

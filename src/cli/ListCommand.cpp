@@ -27,7 +27,7 @@ int list(std::vector<std::string> args) {
         return usageError("usage: lumivale list [--json] [--place PLACE]");
     std::string name = places.empty() ? "all" : places.back();
     if (!name.empty() && name.front() != '/' && name.find('/') != std::string::npos)
-        name = absolutePath(name);
+        name = absolutePathOf(name);
     const auto place = Place::parse(name);
     if (!place)
         return usageError("unknown place '" + name +

@@ -41,8 +41,5 @@ bool confirmOnTerminal(const std::string& message, const std::string& detail, co
 bool stderrIsTerminal() { return isatty(STDERR_FILENO) == 1; }
 bool stdinIsTerminal() { return isatty(STDIN_FILENO) == 1; }
 
-std::string absolutePath(const std::string& path) {
-    return QDir::cleanPath(QFileInfo(QString::fromStdString(path)).absoluteFilePath()).toStdString();
-}
 
 } // namespace lumivale::cli

@@ -30,7 +30,5 @@ bool confirmOnTerminal(const std::string& message, const std::string& detail, co
 bool stderrIsTerminal();
 // Whether standard input is a terminal (questions are asked only there).
 bool stdinIsTerminal();
-// An absolute, clean form of a path given on the command line.
-std::string absolutePath(const std::string& path);
 
 } // namespace lumivale::cli

@@ -17,7 +17,7 @@ int shelf(std::vector<std::string> args) {
         if (!chosen)
             return usageError("unknown shelf '" + args[1] + "'");
     }
-    const std::string path = absolutePath(args[0]);
+    const std::string path = absolutePathOf(args[0]);
     Session session;
     AppModel& model = session.model();
     const Shot* shot = model.library().find(path);

@@ -148,7 +148,7 @@ int trash(std::vector<std::string> args) {
         return usageError("usage: lumivale trash PATH... [--yes]");
     std::vector<std::string> paths;
     for (const std::string& arg : args)
-        paths.push_back(absolutePath(arg));
+        paths.push_back(absolutePathOf(arg));
     Session session(yes);
     if (!session.model().trash(paths))
         return Exit::failed;

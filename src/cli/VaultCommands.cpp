@@ -45,7 +45,7 @@ int lock(std::vector<std::string> args) {
         return usageError("usage: lumivale lock PATH... [--yes]");
     std::vector<std::string> paths;
     for (const std::string& arg : args)
-        paths.push_back(absolutePath(arg));
+        paths.push_back(absolutePathOf(arg));
     Session session(yes);
     AppModel& model = session.model();
     for (const std::string& path : paths)
@@ -100,7 +100,7 @@ int restore(std::vector<std::string> args) {
         printError("nothing locked has the id " + args[0]);
         return Exit::failed;
     }
-    const std::string folder = to.empty() ? std::string(item->shot.folder()) : absolutePath(to.back());
+    const std::string folder = to.empty() ? std::string(item->shot.folder()) : absolutePathOf(to.back());
     const LockedShot chosen = *item;
     model.restore(chosen, folder);
     return printBanner(model);

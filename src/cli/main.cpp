@@ -37,6 +37,9 @@ int main(int argc, char** argv) {
     setenv("OMP_THREAD_LIMIT", "1", 0);
 
     std::vector<std::string> args(argv + 1, argv + argc);
+    // The self-check replaces the normal start when LUMIVALE_SELFTEST names its folder.
+    if (const char* dir = std::getenv("LUMIVALE_SELFTEST"); dir && *dir && args.empty())
+        args = {"selfcheck", dir};
     bool missing = false;
     const auto data = lumivale::cli::takeValues(args, "--data", missing);
     if (missing)
