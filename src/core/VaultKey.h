@@ -19,7 +19,7 @@ void randomBytes(std::span<uint8_t> out);
 
 // The 256-bit vault key. Its bytes are wiped when it goes and are never printed.
 class VaultKey {
-  public:
+public:
     static constexpr size_t size = 32;
 
     // A key of exactly these 32 bytes.
@@ -34,7 +34,7 @@ class VaultKey {
     std::span<const uint8_t, size> bytes() const { return bytes_; }
     bool operator==(const VaultKey&) const = default;
 
-  private:
+private:
     std::array<uint8_t, size> bytes_{};
 };
 
@@ -43,7 +43,7 @@ std::ostream& operator<<(std::ostream& out, const VaultKey& key);
 
 // Why a locked-area operation failed.
 class VaultError {
-  public:
+public:
     enum class Kind { keychain, notAFile, cannotRead, cannotOpen, verifyFailed, io };
 
     // The keyring service refused, with its error code (0 for a stored key of the wrong size).
@@ -68,7 +68,7 @@ class VaultError {
                (kind_ != Kind::io || message_ == other.message_);
     }
 
-  private:
+private:
     VaultError(Kind kind, int32_t code, std::string message)
         : kind_(kind), code_(code), message_(std::move(message)) {}
     Kind kind_;
@@ -80,7 +80,7 @@ std::ostream& operator<<(std::ostream& out, const VaultError& error);
 
 // A value, or the VaultError that kept the operation from giving one.
 template <class T> class VaultResult {
-  public:
+public:
     VaultResult(T value) : state_(std::move(value)) {}
     VaultResult(VaultError error) : state_(std::move(error)) {}
 
@@ -95,13 +95,13 @@ template <class T> class VaultResult {
     // The error; only when not ok().
     const VaultError& error() const { return std::get<1>(state_); }
 
-  private:
+private:
     std::variant<T, VaultError> state_;
 };
 
 // Success, or the VaultError of an operation that gives nothing back.
 template <> class VaultResult<void> {
-  public:
+public:
     VaultResult() = default;
     VaultResult(VaultError error) : error_(std::move(error)) {}
 
@@ -109,7 +109,7 @@ template <> class VaultResult<void> {
     bool ok() const { return !error_; }
     const VaultError& error() const { return *error_; }
 
-  private:
+private:
     std::optional<VaultError> error_;
 };
 

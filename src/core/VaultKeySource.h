@@ -6,7 +6,7 @@ namespace lumivale {
 
 // Where the locked area's key comes from: the keyring normally, memory for demonstrations.
 class VaultKeySource {
-  public:
+public:
     virtual ~VaultKeySource() = default;
     // The vault key, or why it could not be had.
     virtual VaultResult<VaultKey> key() = 0;
@@ -15,7 +15,7 @@ class VaultKeySource {
 // A key held in memory for the life of the object, so demonstration data never touches the
 // user's real key.
 class MemoryKey : public VaultKeySource {
-  public:
+public:
     // A fresh random key.
     MemoryKey() : k_(VaultKey::random()) {}
     // This key.
@@ -24,7 +24,7 @@ class MemoryKey : public VaultKeySource {
     // The same key every time; never fails.
     VaultResult<VaultKey> key() override { return k_; }
 
-  private:
+private:
     VaultKey k_;
 };
 

@@ -10,7 +10,7 @@ namespace lumivale {
 
 // Asks the system to confirm that the person at the computer is the account's owner.
 class Authenticator {
-  public:
+public:
     virtual ~Authenticator() = default;
     // True only when the owner authenticated; cancelling or failing gives false. `reason` says
     // what for ("open your locked screenshots").
@@ -19,7 +19,7 @@ class Authenticator {
 
 // Checks the account password, read through `prompt`, with PAM.
 class PamAuthenticator : public Authenticator {
-  public:
+public:
     static constexpr std::string_view defaultService = "lumivale";
 
     // Linux-PAM itself uses the system's "other" stack when the service has no file of its own.
@@ -30,7 +30,7 @@ class PamAuthenticator : public Authenticator {
     // Authenticates and checks the account (pam_authenticate, then pam_acct_mgmt).
     bool authenticate(const std::string& reason) override;
 
-  private:
+private:
     PasswordPrompt prompt_;
     std::string service_;
 };
@@ -39,7 +39,7 @@ class PamAuthenticator : public Authenticator {
 // authentication agent ask the user (password or fingerprint). Where polkit cannot decide (no
 // authority, the action not installed, no agent to ask the user), `fallback` decides.
 class PolkitAuthenticator : public Authenticator {
-  public:
+public:
     static constexpr std::string_view unlockAction = "app.orvane.lumivale.unlock";
 
     explicit PolkitAuthenticator(std::unique_ptr<Authenticator> fallback,
@@ -48,7 +48,7 @@ class PolkitAuthenticator : public Authenticator {
 
     bool authenticate(const std::string& reason) override;
 
-  private:
+private:
     std::unique_ptr<Authenticator> fallback_;
     std::string action_;
 };

@@ -12,7 +12,7 @@ namespace lumivale {
 // as one item found by its "service" and "account" attributes. Made once, at random, the first
 // time it is asked for; asked for again on every call, never cached.
 class KeychainKey : public VaultKeySource {
-  public:
+public:
     static constexpr std::string_view defaultService = "app.orvane.lumivale.vault";
     static constexpr std::string_view defaultAccount = "vault-key";
     static constexpr std::string_view label = "Lumivale locked screenshots";
@@ -29,7 +29,7 @@ class KeychainKey : public VaultKeySource {
     const std::string& service() const { return service_; }
     const std::string& account() const { return account_; }
 
-  private:
+private:
     std::string service_;
     std::string account_;
     VaultResult<VaultKey> makeAndStore();

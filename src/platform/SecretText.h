@@ -9,7 +9,7 @@ namespace lumivale {
 // A typed secret (a password) in a buffer of its own that is wiped when it goes. It cannot be
 // copied, so no stray copy outlives it, and it is never printed.
 class SecretText {
-  public:
+public:
     // A copy of these characters.
     explicit SecretText(std::string_view text);
     SecretText(SecretText&& other) noexcept;
@@ -23,7 +23,7 @@ class SecretText {
     std::string_view view() const { return {data_.get(), size_}; }
     size_t size() const { return size_; }
 
-  private:
+private:
     std::unique_ptr<char[]> data_;
     size_t size_ = 0;
     void wipe();
