@@ -1,5 +1,6 @@
 #include "core/Characters.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 using namespace lumivale;
@@ -67,6 +68,21 @@ TEST(Characters, TrimmingAndLowering) {
     EXPECT_EQ(trimmedSpacesAndTabs(" \n "), "\n");
     EXPECT_EQ(lowered("SubTotal"), "subtotal");
     EXPECT_EQ(lowered("ÉTAGE"), "étage");
+}
+
+
+TEST(Characters, StrayBytesAreCharactersOfTheirOwn) {
+    for (std::string broken : {"a\xff"
+                               "b",
+                               "\xe0\xa4", "\x80\x80", "ok\xc3"}) {
+        SCOPED_TRACE(broken);
+        const std::vector<size_t> bounds = characterBounds(broken);
+        EXPECT_EQ(bounds.front(), 0u);
+        EXPECT_EQ(bounds.back(), broken.size());
+        EXPECT_TRUE(std::is_sorted(bounds.begin(), bounds.end()));
+        EXPECT_LE(firstCharacters(broken, 1).size(), broken.size());
+        EXPECT_EQ(trimmed(broken), broken);
+    }
 }
 
 } // namespace

@@ -99,6 +99,12 @@ TEST(Facts, FactsDependOnTheShelf) {
                 {SensitiveKind::passport, SensitiveKind::taxID, SensitiveKind::nationalID,
                  SensitiveKind::cardNumber, SensitiveKind::bankAccount}),
          {{"Holds", "Bank account, Card number, ID number, Passport, Tax ID"}}},
+        {"cafe receipt",
+         shotOf({"Brew & Bloom Café", "TAX INVOICE", "Bill No. 4471", "12 Oct 2026 8:42 PM",
+                 "Cappuccino x2 ₹360.00", "Subtotal ₹900.00", "Grand Total ₹1,008.00",
+                 "Paid by UPI · INR", "GSTIN 29ABCDE1234F1Z5", "Thank you! Visit again"},
+                Shelf::bills),
+         {{"Total", "₹1,008.00"}, {"Date", "12 Oct 2026"}}},
         {"nothing at all", shotOf({}, Shelf::other), {}},
     };
     for (const auto& c : cases) {

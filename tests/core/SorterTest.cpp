@@ -280,4 +280,13 @@ TEST(Sorter, ApplyingAFailedReadingClearsTheOldOne) {
     EXPECT_EQ(shot.folded, "\na.png");
 }
 
+
+TEST(Sorter, BrokenTextIsSortedWithoutHarm) {
+    // Text from a damaged file or a reader fault: stray bytes that are not UTF-8.
+    const Lines broken = {"Boarding\xff Pass", "\xe0\xa4", "Gate \xc3 22", "Seat 14C\x80"};
+    const Verdict v = Sorter::sort(broken, {});
+    EXPECT_EQ(v.scores.size(), allShelves.size());
+    EXPECT_GE(v.scores.at(Shelf::tickets), 4.0); // "gate" and "seat" still count
+}
+
 } // namespace
