@@ -25,7 +25,8 @@ Pattern::Pattern(std::string_view expression, Case letterCase) {
 }
 
 // Calls visit(matcher, input) after each match until visit returns false. The text is searched
-// as UTF-16, ICU's own form, on which its matcher runs several times faster than on UTF-8.
+// as UTF-16, ICU's own form, where its matcher takes its fast path (UTF-8 input costs a fifth
+// more work over a whole sorting).
 template <typename Visit> void Pattern::forEachMatch(std::string_view text, Visit&& visit) const {
     const icu::UnicodeString input = icu::UnicodeString::fromUTF8(
         icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
