@@ -1,0 +1,207 @@
+// Authentication against real PAM (through pam_wrapper, with pam_matrix checking passwords from
+// a file) and a mock polkit authority (python3-dbusmock) on a private bus.
+#include "platform/Authenticator.h"
+
+#include "support/ChildRun.h"
+#include "support/TempDir.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace lumivale {
+namespace {
+
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+const std::string reason = "open your locked screenshots";
+const std::string rightPassword = "correct horse";
+
+std::string sourceDir() {
+    const char* dir = std::getenv("LUMIVALE_SOURCE_DIR");
+    return dir ? dir : LUMIVALE_TEST_SOURCE_DIR;
+}
+
+std::string pamMatrixModule() {
+    std::error_code ec;
+    for (const auto& entry : fs::directory_iterator("/usr/lib", ec))
+        if (fs::exists(entry.path() / "pam_wrapper/pam_matrix.so"))
+            return (entry.path() / "pam_wrapper/pam_matrix.so").string();
+    return "pam_matrix.so";
+}
+
+std::string userName() {
+    return getpwuid(getuid())->pw_name;
+}
+
+// PAM services for pam_wrapper, each checking passwords with pam_matrix against the file that
+// PAM_MATRIX_PASSWD names when PAM runs.
+class PamServices {
+public:
+    explicit PamServices(std::initializer_list<std::string> names) {
+        for (const std::string& name : names)
+            test::writeFile(dir_.file("services/" + name), "auth required " + pamMatrixModule() +
+                                                               "\naccount required " +
+                                                               pamMatrixModule() + "\n");
+    }
+    // The environment that puts PAM under pam_wrapper from the process's start.
+    std::vector<std::pair<std::string, std::string>> env() const {
+        return {{"LD_PRELOAD", "libpam_wrapper.so"},
+                {"PAM_WRAPPER", "1"},
+                {"PAM_WRAPPER_SERVICE_DIR", dir_.file("services")}};
+    }
+
+private:
+    test::TempDir dir_;
+};
+
+// Makes pam_matrix know the user with this password, allowed to use `service`.
+void knowUser(const test::TempDir& dir, const std::string& password, const std::string& service) {
+    const std::string passdb = test::writeFile(dir.file("passdb-" + service),
+                                               userName() + ":" + password + ":" + service + "\n");
+    setenv("PAM_MATRIX_PASSWD", passdb.c_str(), 1);
+}
+
+// A prompt that gives a fixed answer (nothing: the user cancels) and notes each question.
+struct Prompt {
+    std::optional<std::string> answer;
+    std::vector<std::string> asked;
+
+    PasswordPrompt function() {
+        return [this](const std::string& why) -> std::optional<SecretText> {
+            asked.push_back(why);
+            if (!answer) return std::nullopt;
+            return SecretText(*answer);
+        };
+    }
+};
+
+struct PamCase {
+    const char* name;
+    std::optional<std::string> typed;
+    const char* allowedService;
+    bool expected;
+};
+
+const PamCase pamCases[] = {
+    {"right password", rightPassword, "lumivale", true},
+    {"wrong password", "correct horse!", "lumivale", false},
+    {"empty password", "", "lumivale", false},
+    {"cancelled prompt", std::nullopt, "lumivale", false},
+    {"account not allowed this service", rightPassword, "sshd", false},
+};
+
+TEST(PamAuthenticator, checksThePasswordAndTheAccount) {
+    const PamServices services{"lumivale"};
+    if (!test::runsInChild({"pam", {}, services.env(), 60s})) return;
+    const test::TempDir dir;
+    for (const PamCase& c : pamCases) {
+        SCOPED_TRACE(c.name);
+        knowUser(dir, rightPassword, c.allowedService);
+        Prompt prompt{c.typed, {}};
+        PamAuthenticator pam(prompt.function());
+        EXPECT_EQ(pam.authenticate(reason), c.expected);
+        EXPECT_EQ(prompt.asked, std::vector<std::string>{reason});
+    }
+}
+
+TEST(PamAuthenticator, usesTheOtherStackWhenTheServiceHasNoFile) {
+    const PamServices services{"other"};
+    if (!test::runsInChild({"pam-other", {}, services.env(), 60s})) return;
+    const test::TempDir dir;
+    for (const PamCase& c : pamCases) {
+        SCOPED_TRACE(c.name);
+        knowUser(dir, rightPassword, c.allowedService);
+        Prompt prompt{c.typed, {}};
+        EXPECT_EQ(PamAuthenticator(prompt.function()).authenticate(reason), c.expected);
+        EXPECT_EQ(prompt.asked.size(), 1u);
+    }
+}
+
+// Tells the mock authority something through its Mock interface.
+void tellAuthority(const std::string& method, const std::string& args) {
+    const std::string command =
+        "gdbus call --system --dest org.freedesktop.PolicyKit1 --object-path "
+        "/org/freedesktop/PolicyKit1/Authority --method org.freedesktop.DBus.Mock." +
+        method + " " + args + " >/dev/null";
+    ASSERT_EQ(system(command.c_str()), 0) << command;
+}
+
+// Makes the mock's CheckAuthorization run this Python code instead.
+std::string checkAuthorizationDoing(const std::string& code) {
+    return "'' CheckAuthorization '(sa{sv})sa{ss}us' '(bba{ss})' \"" + code + "\"";
+}
+
+struct PolkitCase {
+    const char* name;
+    const char* method; // what the authority is told before the case, in this order
+    std::string args;
+    std::optional<std::string> typed;
+    bool expected;
+    bool asksForPassword;
+};
+
+TEST(PolkitAuthenticator, followsTheAuthorityAndFallsBackToPamWhenItCannotDecide) {
+    const PamServices services{"lumivale"};
+    std::vector<std::string> wrapper{"bash", sourceDir() + "/tests/support/with-polkit-mock.sh",
+                                     "env"};
+    for (const auto& [key, value] : services.env())
+        wrapper.push_back(key + "=" + value);
+    if (!test::runsInChild({"polkit", wrapper, {}, 90s})) return;
+    const test::TempDir dir;
+    knowUser(dir, rightPassword, "lumivale");
+
+    const PolkitCase cases[] = {
+        {"refused", nullptr, "", rightPassword, false, false},
+        {"another action allowed", "SetAllowed", "\"['app.orvane.other']\"", rightPassword, false,
+         false},
+        {"allowed", "SetAllowed", "\"['app.orvane.lumivale.unlock']\"", std::nullopt, true, false},
+        {"no agent to ask: right password", "AddMethod",
+         checkAuthorizationDoing("ret = (False, True, {})"), rightPassword, true, true},
+        {"no agent to ask: cancelled", nullptr, "", std::nullopt, false, true},
+        {"action not installed: wrong password", "AddMethod",
+         checkAuthorizationDoing("raise dbus.exceptions.DBusException('Action is not "
+                                 "registered', name='org.freedesktop.PolicyKit1.Error.Failed')"),
+         "wrong", false, true},
+        {"action not installed: right password", nullptr, "", rightPassword, true, true},
+    };
+    for (const PolkitCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        if (c.method) tellAuthority(c.method, c.args);
+        Prompt prompt{c.typed, {}};
+        PolkitAuthenticator polkit(std::make_unique<PamAuthenticator>(prompt.function()));
+        EXPECT_EQ(polkit.authenticate(reason), c.expected);
+        EXPECT_EQ(prompt.asked.size(), c.asksForPassword ? 1u : 0u);
+    }
+}
+
+TEST(PolkitAuthenticator, fallsBackToPamWithoutASystemBus) {
+    const PamServices services{"lumivale"};
+    auto env = services.env();
+    env.emplace_back("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/lumivale-system-bus");
+    if (!test::runsInChild({"no-polkit", {}, env, 60s})) return;
+    const test::TempDir dir;
+    knowUser(dir, rightPassword, "lumivale");
+    for (const bool cancel : {false, true}) {
+        SCOPED_TRACE(cancel ? "cancelled" : "right password");
+        Prompt prompt{cancel ? std::nullopt : std::optional(rightPassword), {}};
+        EXPECT_EQ(systemAuthenticator(prompt.function())->authenticate(reason), !cancel);
+        EXPECT_EQ(prompt.asked, std::vector<std::string>{reason});
+    }
+}
+
+TEST(PolkitAuthenticator, withoutFallbackRefusesWhatItCannotDecide) {
+    const test::ChildSetup noBus{
+        "no-polkit-no-fallback",
+        {},
+        {{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/lumivale-system-bus"}},
+        30s};
+    if (!test::runsInChild(noBus)) return;
+    EXPECT_FALSE(PolkitAuthenticator(nullptr).authenticate(reason));
+}
+
+} // namespace
+} // namespace lumivale

@@ -1,0 +1,122 @@
+// The terminal password prompt, typed into through a pseudo-terminal.
+#include "platform/PasswordPrompt.h"
+
+#include <chrono>
+#include <fcntl.h>
+#include <future>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace lumivale {
+namespace {
+
+using namespace std::chrono_literals;
+
+const std::string reason = "lock screenshots away";
+const std::string promptText = "Password to lock screenshots away: ";
+
+// A pseudo-terminal: the test types into and reads from its master side, the prompt opens the
+// terminal device.
+class Terminal {
+public:
+    Terminal() {
+        master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        if (master_ >= 0 && grantpt(master_) == 0 && unlockpt(master_) == 0)
+            device_ = ptsname(master_);
+        // Held open so that the terminal's settings can be looked at after the prompt.
+        if (!device_.empty()) slave_ = open(device_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    }
+    ~Terminal() {
+        hangUp();
+        if (slave_ >= 0) close(slave_);
+    }
+    const std::string& device() const { return device_; }
+    void type(const std::string& keys) {
+        ASSERT_EQ(write(master_, keys.data(), keys.size()), ssize_t(keys.size()));
+    }
+    void hangUp() {
+        if (master_ >= 0) close(master_);
+        master_ = -1;
+    }
+    // What the terminal showed, read until it holds `until` or nothing comes for a while.
+    std::string shown(const std::string& until = {}) {
+        std::string out;
+        pollfd p{master_, POLLIN, 0};
+        while ((until.empty() || out.find(until) == std::string::npos) && poll(&p, 1, 200) > 0) {
+            char buffer[256];
+            const ssize_t n = read(master_, buffer, sizeof buffer);
+            if (n <= 0) break;
+            out.append(buffer, n);
+        }
+        return out;
+    }
+    bool echoes() const {
+        termios t{};
+        return tcgetattr(slave_, &t) == 0 && (t.c_lflag & ECHO);
+    }
+
+private:
+    int master_ = -1;
+    int slave_ = -1;
+    std::string device_;
+};
+
+struct Typing {
+    const char* name;
+    std::string keys;
+    std::optional<std::string> expected;
+};
+
+TEST(TerminalPasswordPrompt, readsWhatIsTypedWithoutShowingIt) {
+    const Typing cases[] = {
+        {"enter ends", "tr0ub4dor\n", "tr0ub4dor"},
+        {"carriage return ends", "tr0ub4dor\r", "tr0ub4dor"},
+        {"backspace takes back",
+         "tr0ub4dx\x7f"
+         "or\n",
+         "tr0ub4dor"},
+        {"backspace on nothing", "\x7f\x08tr0ub4dor\n", "tr0ub4dor"},
+        {"ctrl+u starts over", "wrong\x15tr0ub4dor\n", "tr0ub4dor"},
+        {"spaces and accents kept", " pâss wörd \n", " pâss wörd "},
+        {"empty", "\n", ""},
+        {"ctrl+c cancels", "tr0ub\x03", std::nullopt},
+        {"ctrl+d cancels", "\x04", std::nullopt},
+    };
+    for (const Typing& c : cases) {
+        SCOPED_TRACE(c.name);
+        Terminal terminal;
+        ASSERT_FALSE(terminal.device().empty());
+        ASSERT_TRUE(terminal.echoes());
+        auto answer = std::async(std::launch::async,
+                                 [&] { return terminalPasswordPrompt(terminal.device())(reason); });
+        ASSERT_NE(terminal.shown(promptText).find(promptText), std::string::npos);
+        terminal.type(c.keys);
+        ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
+        const auto password = answer.get();
+        ASSERT_EQ(password.has_value(), c.expected.has_value());
+        if (password) EXPECT_EQ(password->view(), *c.expected);
+        // Only the line end shows; echo is back on afterwards.
+        EXPECT_EQ(terminal.shown(), "\r\n");
+        EXPECT_TRUE(terminal.echoes());
+    }
+}
+
+TEST(TerminalPasswordPrompt, givesNothingWithoutATerminal) {
+    Terminal hungUp;
+    auto answer = std::async(std::launch::async,
+                             [&] { return terminalPasswordPrompt(hungUp.device())(reason); });
+    hungUp.shown(promptText);
+    hungUp.hangUp();
+    ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
+    EXPECT_FALSE(answer.get());
+
+    for (const char* device : {"/dev/null", "/nonexistent/tty"}) {
+        SCOPED_TRACE(device);
+        EXPECT_FALSE(terminalPasswordPrompt(device)(reason));
+    }
+}
+
+} // namespace
+} // namespace lumivale

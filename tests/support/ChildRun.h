@@ -1,0 +1,26 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace lumivale::test {
+
+// How to run a test in a process of its own: with a wrapper command before the test program
+// (a script that sets up a service), with variables added to its environment, for at most
+// `timeout`. A test needs this when the setting must be there from the process's start
+// (LD_PRELOAD) or when a library keeps per-process connections (D-Bus buses).
+struct ChildSetup {
+    std::string name; // marks the child, so that it runs the test body itself
+    std::vector<std::string> wrapper;
+    std::vector<std::pair<std::string, std::string>> env;
+    std::chrono::seconds timeout{60};
+};
+
+// True in the child, which then runs the test body. In the parent, runs the current test again
+// in a child made as `setup` says, adds a failure to the test when the child fails or
+// overruns its time (killing it), and gives false.
+bool runsInChild(const ChildSetup& setup);
+
+} // namespace lumivale::test

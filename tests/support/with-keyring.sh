@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Runs a command inside a private D-Bus session whose Secret Service (gnome-keyring) has a new,
+# empty, unlocked login keyring, so tests meet a real keyring and never the user's own.
+# Usage: with-keyring.sh COMMAND [ARG...]
+set -euo pipefail
+
+if [ "${1:-}" != "--inside-session" ]; then
+    exec dbus-run-session -- bash "$0" --inside-session "$@"
+fi
+shift
+
+home="$(mktemp -d "${TMPDIR:-/tmp}/lumivale-keyring-XXXXXX")"
+mkdir -p -m 700 "$home/run"
+daemon=""
+# Alive and not merely waiting to be reaped.
+running() { grep -qs '^State:[[:space:]]*[^Z]' "/proc/$1/status"; }
+finish() {
+    if [ -n "$daemon" ] && kill "$daemon" 2>/dev/null; then
+        for _ in $(seq 100); do running "$daemon" || break; sleep 0.05; done
+    fi
+    rm -rf "$home"
+}
+trap finish EXIT
+
+# The daemon alone gets the private home: its keyring files live there. --unlock makes the
+# login keyring with the password read from standard input, and it becomes the default one.
+printf 'lumivale-test' | HOME="$home" XDG_DATA_HOME="$home/data" XDG_CONFIG_HOME="$home/config" \
+    XDG_CACHE_HOME="$home/cache" XDG_RUNTIME_DIR="$home/run" \
+    gnome-keyring-daemon --daemonize --unlock --components=secrets >/dev/null
+
+# Wait for the service's name without asking for it, which could start a second daemon.
+owner() {
+    dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
+        org.freedesktop.DBus.GetConnectionUnixProcessID string:org.freedesktop.secrets 2>/dev/null |
+        awk '/uint32/ { print $2 }' || true
+}
+for _ in $(seq 100); do
+    daemon="$(owner)"
+    [ -n "$daemon" ] && break
+    sleep 0.05
+done
+if [ -z "$daemon" ]; then
+    echo "with-keyring: the Secret Service did not start" >&2
+    exit 1
+fi
+
+LUMIVALE_TEST_KEYRING=1 "$@"

@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Runs a command with a mock polkit authority (python3-dbusmock's polkitd template) on a private
+# D-Bus bus that stands in for the system bus (DBUS_SYSTEM_BUS_ADDRESS), so tests can decide
+# what polkit answers. The mock refuses every action until told otherwise through its
+# org.freedesktop.DBus.Mock interface.
+# Usage: with-polkit-mock.sh COMMAND [ARG...]
+set -euo pipefail
+
+if [ "${1:-}" != "--inside-session" ]; then
+    exec dbus-run-session -- bash "$0" --inside-session "$@"
+fi
+shift
+
+export DBUS_SYSTEM_BUS_ADDRESS="$DBUS_SESSION_BUS_ADDRESS"
+/usr/bin/python3 -m dbusmock --template polkitd --system >/dev/null &
+mock=$!
+trap 'kill "$mock" 2>/dev/null; wait "$mock" 2>/dev/null || true' EXIT
+
+owned() {
+    dbus-send --system --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
+        org.freedesktop.DBus.NameHasOwner string:org.freedesktop.PolicyKit1 2>/dev/null |
+        grep -q 'boolean true'
+}
+for _ in $(seq 200); do
+    owned && break
+    sleep 0.05
+done
+if ! owned; then
+    echo "with-polkit-mock: the mock authority did not start" >&2
+    exit 1
+fi
+
+"$@"
