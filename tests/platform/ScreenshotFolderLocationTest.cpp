@@ -1,0 +1,239 @@
+#include "platform/ScreenshotFolderLocation.h"
+
+#include "support/TempDir.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <gio/gio.h>
+#include <gtest/gtest.h>
+#include <map>
+#include <optional>
+
+namespace fs = std::filesystem;
+namespace ScreenshotFolder = lumivale::ScreenshotFolder;
+using lumivale::test::TempDir;
+using lumivale::test::writeFile;
+
+namespace {
+
+constexpr const char* gnomeSchema = "org.gnome.gnome-screenshot";
+constexpr const char* gnomeKey = "auto-save-directory";
+
+// Installs gnome-screenshot's schema (the one key that matters, as the real schema declares it)
+// into a private schema folder, with settings kept in a key file of the test's private home.
+// GLib reads these variables once per process, so this happens before any test runs.
+class GnomeScreenshotSchema : public ::testing::Environment {
+  public:
+    static inline bool available = false;
+
+    void SetUp() override {
+        const fs::path dir = fs::path(std::getenv("LUMIVALE_TEST_ROOT")) / "schemas";
+        writeFile((dir / "org.gnome.gnome-screenshot.gschema.xml").string(),
+                  R"(<schemalist>
+  <schema id="org.gnome.gnome-screenshot" path="/org/gnome/gnome-screenshot/">
+    <key name="auto-save-directory" type="s"><default>''</default></key>
+    <key name="take-window-shot" type="b"><default>false</default></key>
+  </schema>
+</schemalist>
+)");
+        const std::string compile = "glib-compile-schemas '" + dir.string() + "' >/dev/null 2>&1";
+        available = std::system(compile.c_str()) == 0 && fs::exists(dir / "gschemas.compiled");
+        if (available) {
+            setenv("GSETTINGS_SCHEMA_DIR", dir.c_str(), 1);
+            setenv("GSETTINGS_BACKEND", "keyfile", 1);
+        }
+    }
+};
+const auto* const schemaEnvironment =
+    ::testing::AddGlobalTestEnvironment(new GnomeScreenshotSchema);
+
+// Sets (or, with nothing, resets) gnome-screenshot's save folder, as its preferences would.
+void setGnomeLocation(const std::optional<std::string>& value) {
+    GSettings* settings = g_settings_new(gnomeSchema);
+    if (value)
+        g_settings_set_string(settings, gnomeKey, value->c_str());
+    else
+        g_settings_reset(settings, gnomeKey);
+    g_settings_sync();
+    g_object_unref(settings);
+}
+
+// A home with the folders that settings may name; files are placed relative to it.
+struct Home {
+    TempDir dir;
+    std::string path = dir.file("home");
+    std::string config = path + "/.config";
+
+    Home() {
+        for (const char* folder : {"Spectacle6", "Spectacle5", "Flame", "Flame, shots", "Xfce",
+                                   "Gnome", "My Shots", "Bilder"})
+            fs::create_directories(fs::path(path) / folder);
+    }
+    void write(const std::map<std::string, std::string>& files) const {
+        for (const auto& [name, text] : files)
+            writeFile(path + "/" + name, text);
+    }
+};
+
+struct LocationCase {
+    std::string name;
+    std::map<std::string, std::string> files; // relative to home; "{home}" stands for it
+    bool kde;
+    std::string expected; // relative to home
+    std::optional<std::string> gnome = std::nullopt;
+};
+
+std::string withHome(std::string text, const std::string& home) {
+    constexpr std::string_view mark = "{home}";
+    for (size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at))
+        text.replace(at, mark.size(), home);
+    return text;
+}
+
+void check(const std::vector<LocationCase>& cases) {
+    for (const LocationCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        Home home;
+        std::map<std::string, std::string> files;
+        for (const auto& [name, text] : c.files)
+            files[name] = withHome(text, home.path);
+        home.write(files);
+        if (c.gnome) setGnomeLocation(withHome(*c.gnome, home.path));
+        EXPECT_EQ(ScreenshotFolder::locate(home.path, home.config, c.kde),
+                  home.path + "/" + c.expected);
+        if (c.gnome) setGnomeLocation(std::nullopt);
+    }
+}
+
+const std::string spectacle6 = "[ImageSave]\nimageSaveLocation=file://{home}/Spectacle6/\n";
+const std::string spectacle5 =
+    "[General]\nx=1\n\n[Save]\ndefaultSaveLocation=file://{home}/Spectacle5/\n";
+const std::string flameshot = "[General]\nsavePath={home}/Flame\nsavePathFixed=true\n";
+const std::string xfce = "app=gimp\nscreenshot_dir=file://{home}/Xfce\nenable_imgur_upload=false\n";
+
+TEST(ScreenshotFolderLocationTest, ReadsEachToolsSetting) {
+    check({
+        {"no settings: the Pictures folder's Screenshots", {}, false, "Pictures/Screenshots"},
+        {"no settings, Pictures renamed",
+         {{".config/user-dirs.dirs", "XDG_PICTURES_DIR=\"$HOME/Bilder\"\n"}},
+         false,
+         "Bilder/Screenshots"},
+        {"Spectacle of Plasma 6", {{".config/spectaclerc", spectacle6}}, true, "Spectacle6"},
+        {"Spectacle of Plasma 5", {{".config/spectaclerc", spectacle5}}, true, "Spectacle5"},
+        {"Plasma 6 wins over 5",
+         {{".config/spectaclerc", spectacle5 + spectacle6}},
+         true,
+         "Spectacle6"},
+        {"an empty Plasma 6 entry leaves Plasma 5's",
+         {{".config/spectaclerc", "[ImageSave]\nimageSaveLocation=\n" + spectacle5}},
+         true,
+         "Spectacle5"},
+        {"Spectacle outside a KDE session is not asked",
+         {{".config/spectaclerc", spectacle6}},
+         false,
+         "Pictures/Screenshots"},
+        {"a KDE entry expanded from $HOME",
+         {{".config/spectaclerc", "[ImageSave]\nimageSaveLocation[$e]=$HOME/Spectacle6\n"}},
+         true,
+         "Spectacle6"},
+        {"a KDE entry with an escaped space",
+         {{".config/spectaclerc", "[ImageSave]\nimageSaveLocation=file://{home}/My\\sShots/\n"}},
+         true,
+         "My Shots"},
+        {"a localised KDE entry is not the setting",
+         {{".config/spectaclerc", "[ImageSave]\nimageSaveLocation[de]=file://{home}/Spectacle6\n"}},
+         true,
+         "Pictures/Screenshots"},
+        {"the key in another group is not the setting",
+         {{".config/spectaclerc", "[General]\nimageSaveLocation=file://{home}/Spectacle6\n"}},
+         true,
+         "Pictures/Screenshots"},
+        {"Flameshot", {{".config/flameshot/flameshot.ini", flameshot}}, false, "Flame"},
+        {"Flameshot with a quoted path",
+         {{".config/flameshot/flameshot.ini", "[General]\nsavePath=\"{home}/Flame, shots/\"\n"}},
+         false,
+         "Flame, shots"},
+        {"Xfce screenshooter", {{".config/xfce4/xfce4-screenshooter", xfce}}, false, "Xfce"},
+        {"in a KDE session Spectacle comes first",
+         {{".config/spectaclerc", spectacle6},
+          {".config/flameshot/flameshot.ini", flameshot},
+          {".config/xfce4/xfce4-screenshooter", xfce}},
+         true,
+         "Spectacle6"},
+        {"KDE session without Spectacle's setting: Flameshot next",
+         {{".config/flameshot/flameshot.ini", flameshot},
+          {".config/xfce4/xfce4-screenshooter", xfce}},
+         true,
+         "Flame"},
+        {"Flameshot before Xfce",
+         {{".config/spectaclerc", spectacle6},
+          {".config/flameshot/flameshot.ini", flameshot},
+          {".config/xfce4/xfce4-screenshooter", xfce}},
+         false,
+         "Flame"},
+        {"the first setting decides even when its folder is gone",
+         {{".config/flameshot/flameshot.ini", "[General]\nsavePath={home}/Gone\n"},
+          {".config/xfce4/xfce4-screenshooter", xfce}},
+         false,
+         "Pictures/Screenshots"},
+        {"a relative setting is not trusted",
+         {{".config/xfce4/xfce4-screenshooter", "screenshot_dir=Xfce\n"}},
+         false,
+         "Pictures/Screenshots"},
+    });
+}
+
+TEST(ScreenshotFolderLocationTest, ReadsGnomeScreenshotsSettingLast) {
+    if (!GnomeScreenshotSchema::available)
+        GTEST_SKIP() << "glib-compile-schemas (package libglib2.0-bin) is missing, so "
+                        "gnome-screenshot's settings cannot be made here";
+    check({
+        {"gnome-screenshot with a URL", {}, false, "Gnome", "file://{home}/Gnome/"},
+        {"gnome-screenshot with a path", {}, false, "Gnome", "{home}/Gnome"},
+        {"gnome-screenshot with a home-relative path", {}, false, "Gnome", "~/Gnome"},
+        {"an empty gnome-screenshot setting counts as none", {}, false, "Pictures/Screenshots", ""},
+        {"gnome-screenshot pointing at a missing folder",
+         {},
+         false,
+         "Pictures/Screenshots",
+         "file://{home}/Gone"},
+        {"Xfce before gnome-screenshot",
+         {{".config/xfce4/xfce4-screenshooter", xfce}},
+         false,
+         "Xfce",
+         "file://{home}/Gnome"},
+        {"Spectacle outside KDE leaves gnome-screenshot",
+         {{".config/spectaclerc", spectacle6}},
+         false,
+         "Gnome",
+         "file://{home}/Gnome"},
+    });
+}
+
+TEST(ScreenshotFolderLocationTest, CurrentReadsThisSession) {
+    Home home;
+    home.write({{".config/spectaclerc", withHome(spectacle6, home.path)},
+                {".config/flameshot/flameshot.ini", withHome(flameshot, home.path)}});
+    setenv("XDG_CONFIG_HOME", home.config.c_str(), 1);
+    const struct {
+        const char* desktop;
+        std::string expected;
+    } cases[] = {
+        {"KDE", "Spectacle6"},
+        {"ubuntu:KDE", "Spectacle6"},
+        {"GNOME", "Flame"},
+        {nullptr, "Flame"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.desktop ? c.desktop : "(unset)");
+        if (c.desktop)
+            setenv("XDG_CURRENT_DESKTOP", c.desktop, 1);
+        else
+            unsetenv("XDG_CURRENT_DESKTOP");
+        EXPECT_EQ(ScreenshotFolder::isKdeSession(c.desktop), c.expected == "Spectacle6");
+        EXPECT_EQ(ScreenshotFolder::current(home.path), home.path + "/" + c.expected);
+    }
+    unsetenv("XDG_CURRENT_DESKTOP");
+}
+
+} // namespace
