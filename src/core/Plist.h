@@ -6,7 +6,9 @@
 
 #include "core/Date.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -22,9 +24,13 @@ using Ref = uint32_t;
 
 // Writes objects children first: each call writes one object and gives its number, which a
 // container written later refers to. `finish` adds the offset table and the trailer.
+// Strings are UTF-8; bytes that are not valid UTF-8 are written as U+FFFD.
 class Writer {
 public:
     Writer();
+
+    // Makes room for about this many bytes and objects, so a large file is built without copying.
+    void reserve(size_t bytes, size_t objects);
 
     Ref string(std::string_view utf8);
     // A string written once per writer however often it is asked for (dictionary keys).
@@ -42,13 +48,50 @@ public:
     std::string finish(Ref root);
 
 private:
+    struct KeyHash {
+        using is_transparent = void;
+        size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+    };
+
     std::string out_;
     std::vector<uint64_t> offsets_;
-    std::unordered_map<std::string, Ref> keys_;
+    std::unordered_map<std::string, Ref, KeyHash, std::equal_to<>> keys_;
+    std::u16string units_; // scratch for the UTF-16 form of a string
     Ref begin();
+    void marker(uint8_t type, uint64_t count);
+    void putRefs(std::span<const Ref> refs);
 };
 
 class Document;
+
+// The object numbers held by an array or a dictionary, read from the file on demand. They were
+// checked against the object table when the container was opened.
+class Refs {
+public:
+    size_t size() const { return count_; }
+    bool empty() const { return count_ == 0; }
+    // The i-th number; i < size().
+    Ref operator[](size_t i) const;
+
+    struct iterator {
+        const Refs* refs;
+        size_t i;
+        Ref operator*() const { return (*refs)[i]; }
+        iterator& operator++() {
+            ++i;
+            return *this;
+        }
+        bool operator==(const iterator&) const = default;
+    };
+    iterator begin() const { return {this, 0}; }
+    iterator end() const { return {this, count_}; }
+
+private:
+    friend class Document;
+    const uint8_t* at_ = nullptr;
+    size_t count_ = 0;
+    uint8_t width_ = 0;
+};
 
 // A checked view of one dictionary of a document.
 class Dict {
@@ -56,19 +99,20 @@ public:
     // The value under this key, or nothing.
     std::optional<Ref> find(std::string_view key) const;
     size_t size() const { return keys_.size(); }
-    // The i-th key and value refs, in file order.
+    // The i-th key and value refs, in file order; i < size().
     Ref keyAt(size_t i) const { return keys_[i]; }
     Ref valueAt(size_t i) const { return values_[i]; }
 
 private:
     friend class Document;
     const Document* doc_ = nullptr;
-    std::vector<Ref> keys_, values_;
+    Refs keys_, values_;
 };
 
 // A validated, read-only view over the bytes of a binary property list. The bytes must outlive
 // it. Every accessor checks the object's type, offsets and sizes and gives nothing when they
-// are wrong, so a damaged or hostile file can only fail to decode.
+// are wrong, so a damaged or hostile file can only fail to decode. Nothing recurses: callers
+// ask for the type they expect, so an object that contains itself simply fails that check.
 class Document {
 public:
     // Checks the header, trailer and offset table; nothing when they are not sound.
@@ -77,18 +121,33 @@ public:
     Ref root() const { return root_; }
 
     std::optional<std::string> string(Ref ref) const;
+    // The string's UTF-8 text: a view into the file for an ASCII string, else decoded into
+    // `scratch` (so a caller that only compares or copies avoids an allocation).
+    std::optional<std::string_view> stringView(Ref ref, std::string& scratch) const;
     std::optional<int64_t> integer(Ref ref) const;
     // A real; integers are not accepted in its place.
     std::optional<double> real(Ref ref) const;
     std::optional<bool> boolean(Ref ref) const;
+    // A date, to the microsecond (a file's date is a double, which holds about a tenth of a
+    // microsecond for today's dates); dates beyond what `Date` spans are clamped to its ends.
     std::optional<Date> date(Ref ref) const;
     std::optional<std::vector<uint8_t>> data(Ref ref) const;
-    std::optional<std::vector<Ref>> array(Ref ref) const;
+    std::optional<Refs> array(Ref ref) const;
     std::optional<Dict> dict(Ref ref) const;
     // Whether the dictionary's key at `ref` equals `key` (without copying it).
     bool keyEquals(Ref ref, std::string_view key) const;
 
 private:
+    // One object's marker, parsed and checked: its type nibble, its count (a length for
+    // strings, data and containers) and where its body starts.
+    struct Object {
+        uint8_t type;
+        uint8_t info;
+        uint64_t count;
+        const uint8_t* body;
+        uint64_t room; // bytes from body to the end of the object area
+    };
+
     std::span<const uint8_t> bytes_;
     uint64_t objectCount_ = 0;
     uint64_t offsetTableStart_ = 0;
@@ -97,6 +156,8 @@ private:
     Ref root_ = 0;
     // Where object `ref` starts, or nothing when its offset is out of bounds.
     std::optional<uint64_t> offsetOf(Ref ref) const;
+    std::optional<Object> object(Ref ref) const;
+    std::optional<Refs> refs(const uint8_t* at, uint64_t count) const;
 };
 
 } // namespace lumivale::plist

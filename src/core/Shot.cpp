@@ -46,11 +46,14 @@ bool Shot::matches(int64_t otherSize, Date otherModified) const {
 }
 
 std::string searchTextOf(const std::vector<TextLine>& lines, std::string_view fileName) {
+    // The text, a line feed, the name: a shot with no lines still starts with the line feed.
     std::string joined;
-    for (const TextLine& line : lines) {
-        joined += line.text;
-        joined += '\n';
+    for (size_t i = 0; i < lines.size(); ++i) {
+        if (i)
+            joined += '\n';
+        joined += lines[i].text;
     }
+    joined += '\n';
     joined += fileName;
     std::string folded = foldText(joined);
     std::string squashed = squash(folded);

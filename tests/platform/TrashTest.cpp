@@ -1,0 +1,304 @@
+#include "platform/Trash.h"
+
+#include "core/TidyRun.h"
+#include "support/ScratchMount.h"
+#include "support/TempDir.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sstream>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace lumivale {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono;
+using test::readFile;
+using test::ScratchMount;
+using test::TempDir;
+using test::writeFile;
+
+// 20:00:05 UTC is 01:30:05 the next day in Kolkata, where the tests run.
+const Date deletedAt = Date(sys_days(2026y / October / 31) + 20h + 5s);
+const char* const deletedLocal = "2026-11-01T01:30:05";
+const std::string awkwardName = "my shot 100% ü.png";
+const std::string uid = std::to_string(getuid());
+
+std::vector<std::string> namesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    if (fs::is_directory(folder))
+        for (const auto& entry : fs::directory_iterator(folder))
+            names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string infoText(const std::string& path) {
+    return "[Trash Info]\nPath=" + Trash::encodePath(path) + "\nDeletionDate=" + deletedLocal +
+           "\n";
+}
+
+// Every test gets a Trash of its own.
+class TrashTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        setenv("XDG_DATA_HOME", data.str().c_str(), 1);
+        trash = data.file("Trash");
+    }
+    void TearDown() override { setenv("XDG_DATA_HOME", saved.c_str(), 1); }
+
+    const std::string saved = std::getenv("XDG_DATA_HOME") ? std::getenv("XDG_DATA_HOME") : "";
+    TempDir data;
+    TempDir work;
+    std::string trash;
+};
+
+struct Ran {
+    int status = -1;
+    std::string out;
+};
+
+// Runs a program in a folder with the given standard input, collecting its standard output.
+Ran run(const std::vector<std::string>& argv, const std::string& folder,
+        const std::string& input = "") {
+    TempDir io;
+    const std::string in = writeFile(io.file("in"), input);
+    const std::string out = io.file("out");
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+    std::vector<char*> args;
+    for (const std::string& arg : argv)
+        args.push_back(const_cast<char*>(arg.c_str()));
+    args.push_back(nullptr);
+    Ran result;
+    pid_t pid = 0;
+    if (posix_spawnp(&pid, args[0], &actions, nullptr, args.data(), environ) == 0 &&
+        waitpid(pid, &result.status, 0) == pid)
+        result.out = readFile(out);
+    posix_spawn_file_actions_destroy(&actions);
+    return result;
+}
+
+// The lines of `trash-list` that name this original path.
+std::vector<std::string> listed(const std::string& original) {
+    std::vector<std::string> lines;
+    std::istringstream out(run({"trash-list"}, "/").out);
+    for (std::string line; std::getline(out, line);)
+        if (line.size() > 20 && line.substr(20) == original) lines.push_back(line);
+    return lines;
+}
+
+TEST(TrashPath, EncodesAllButThePlainCharacters) {
+    struct Case {
+        std::string path, encoded;
+    } cases[] = {
+        {"/home/me/a-b_c.d~e/F9.png", "/home/me/a-b_c.d~e/F9.png"},
+        {"/tmp/my shot 100% ü.png", "/tmp/my%20shot%20100%25%20%C3%BC.png"},
+        {"rel/#?&=+:", "rel/%23%3F%26%3D%2B%3A"},
+        {"/x/\n\t", "/x/%0A%09"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.path);
+        EXPECT_EQ(Trash::encodePath(c.path), c.encoded);
+    }
+}
+
+TEST_F(TrashTest, HomeTrashFollowsXdgDataHome) {
+    EXPECT_EQ(Trash::homeTrash(), trash);
+    unsetenv("XDG_DATA_HOME");
+    EXPECT_EQ(Trash::homeTrash(), std::string(std::getenv("HOME")) + "/.local/share/Trash");
+}
+
+TEST_F(TrashTest, PutMovesTheFileAndWritesItsInfo) {
+    const std::string path = writeFile(work.file(awkwardName), "picture");
+    const TrashOutcome outcome = Trash::put(path, deletedAt);
+    ASSERT_TRUE(outcome.status.isOk()) << outcome.status.message();
+    EXPECT_EQ(outcome.place, trash + "/files/" + awkwardName);
+    EXPECT_FALSE(fs::exists(path));
+    EXPECT_EQ(readFile(trash + "/files/" + awkwardName), "picture");
+    EXPECT_EQ(readFile(trash + "/info/" + awkwardName + ".trashinfo"), infoText(path));
+}
+
+TEST_F(TrashTest, ClashingNamesGetNumbers) {
+    struct Case {
+        const char* name;
+        std::vector<std::string> inFiles, inInfo; // what the Trash already holds
+        std::string landed;
+    } cases[] = {
+        {"a file of that name", {"x.png"}, {"x.png.trashinfo"}, "x 2.png"},
+        {"only an info of that name", {}, {"x.png.trashinfo"}, "x 2.png"},
+        {"only a file of that name", {"x.png"}, {}, "x 2.png"},
+        {"two taken", {"x.png", "x 2.png"}, {"x.png.trashinfo", "x 2.png.trashinfo"}, "x 3.png"},
+        {"other names only", {"y.png"}, {"y.png.trashinfo"}, "x.png"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        fs::remove_all(trash);
+        for (const std::string& name : c.inFiles)
+            writeFile(trash + "/files/" + name, "older");
+        for (const std::string& name : c.inInfo)
+            writeFile(trash + "/info/" + name, "older");
+        const std::string path = writeFile(work.file("x.png"), "ours");
+
+        const TrashOutcome outcome = Trash::put(path, deletedAt);
+        ASSERT_TRUE(outcome.status.isOk()) << outcome.status.message();
+        EXPECT_EQ(outcome.place, trash + "/files/" + c.landed);
+        EXPECT_EQ(readFile(trash + "/files/" + c.landed), "ours");
+        EXPECT_EQ(readFile(trash + "/info/" + c.landed + ".trashinfo"), infoText(path));
+        for (const std::string& name : c.inFiles)
+            EXPECT_EQ(readFile(trash + "/files/" + name), "older");
+        for (const std::string& name : c.inInfo)
+            EXPECT_EQ(readFile(trash + "/info/" + name), "older");
+    }
+}
+
+TEST_F(TrashTest, AFileThatCannotGoLeavesNoInfo) {
+    const TrashOutcome missing = Trash::put(work.file("absent.png"), deletedAt);
+    EXPECT_FALSE(missing.status.isOk());
+    EXPECT_FALSE(missing.status.message().empty());
+    EXPECT_TRUE(namesIn(trash + "/info").empty());
+
+    // On a read-only disk the file cannot leave its folder: the copy in the home Trash and
+    // the info are taken back.
+    ScratchMount readOnly(ScratchMount::Where::ownMount, "size=1m");
+    if (!readOnly.ok()) GTEST_SKIP() << readOnly.why();
+    const std::string stuck = writeFile(readOnly.file("stuck.png"), "stuck");
+    ASSERT_TRUE(readOnly.makeReadOnly());
+    const TrashOutcome refused = Trash::put(stuck, deletedAt);
+    EXPECT_FALSE(refused.status.isOk());
+    EXPECT_EQ(refused.status.message(), "Read-only file system");
+    EXPECT_EQ(readFile(stuck), "stuck");
+    EXPECT_TRUE(namesIn(trash + "/info").empty());
+    EXPECT_TRUE(namesIn(trash + "/files").empty());
+}
+
+TEST_F(TrashTest, AFileOnAnotherMountGoesToThatMountsTrash) {
+    enum class Shared { none, sticky, notSticky, link };
+    struct Case {
+        const char* name;
+        Shared shared;
+        std::string trashDir; // relative to the mount's top
+    } cases[] = {
+        {"no shared Trash", Shared::none, ".Trash-" + uid},
+        {"sticky shared Trash", Shared::sticky, ".Trash/" + uid},
+        {"shared Trash without the sticky bit", Shared::notSticky, ".Trash-" + uid},
+        {"shared Trash that is a link", Shared::link, ".Trash-" + uid},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ScratchMount disk(ScratchMount::Where::ownMount);
+        if (!disk.ok()) GTEST_SKIP() << disk.why();
+        const std::string shared = disk.file(".Trash");
+        if (c.shared == Shared::sticky || c.shared == Shared::notSticky) {
+            fs::create_directory(shared);
+            chmod(shared.c_str(), c.shared == Shared::sticky ? 01777 : 0777);
+        } else if (c.shared == Shared::link) {
+            fs::create_directory(disk.file("real"));
+            chmod(disk.file("real").c_str(), 01777);
+            fs::create_directory_symlink("real", shared);
+        }
+        const std::string path = writeFile(disk.file("shots/" + awkwardName), "picture");
+
+        const TrashOutcome outcome = Trash::put(path, deletedAt);
+        ASSERT_TRUE(outcome.status.isOk()) << outcome.status.message();
+        const std::string root = disk.file(c.trashDir);
+        EXPECT_EQ(outcome.place, root + "/files/" + awkwardName);
+        EXPECT_EQ(readFile(root + "/files/" + awkwardName), "picture");
+        EXPECT_EQ(readFile(root + "/info/" + awkwardName + ".trashinfo"),
+                  infoText("shots/" + awkwardName));
+        EXPECT_TRUE(namesIn(trash + "/files").empty()) << "nothing crossed to the home Trash";
+        struct stat st {};
+        ASSERT_EQ(lstat(root.c_str(), &st), 0);
+        EXPECT_EQ(st.st_mode & 0777, 0700u);
+    }
+}
+
+class TrashInterop : public TrashTest {
+  protected:
+    void SetUp() override {
+        TrashTest::SetUp();
+        if (run({"trash-list", "--version"}, "/").status != 0)
+            GTEST_SKIP() << "trash-cli is not installed";
+    }
+};
+
+TEST_F(TrashInterop, TrashListShowsTheOriginalPathAndRestoreBringsItBack) {
+    const std::string path = writeFile(work.file(awkwardName), "picture");
+    ASSERT_TRUE(Trash::put(path, deletedAt).status.isOk());
+    EXPECT_EQ(listed(path), std::vector<std::string>{"2026-11-01 01:30:05 " + path});
+
+    // trash-restore numbers what was trashed from the folder and asks which one to restore.
+    const Ran choices = run({"trash-restore"}, work.str(), "\n");
+    std::string index;
+    std::istringstream lines(choices.out);
+    for (std::string line; std::getline(lines, line);)
+        if (line.size() > path.size() && line.substr(line.size() - path.size()) == path)
+            std::istringstream(line) >> index;
+    ASSERT_FALSE(index.empty()) << choices.out;
+    EXPECT_EQ(run({"trash-restore"}, work.str(), index + "\n").status, 0);
+    EXPECT_EQ(readFile(path), "picture");
+    EXPECT_TRUE(listed(path).empty());
+    EXPECT_TRUE(namesIn(trash + "/files").empty());
+}
+
+TEST_F(TrashInterop, AFileTrashedByTrashPutIsNotMistakenForOurs) {
+    const std::string path = work.file(awkwardName);
+    writeFile(path, "theirs");
+    ASSERT_EQ(run({"trash-put", path}, "/").status, 0);
+    ASSERT_FALSE(fs::exists(path));
+    writeFile(path, "ours");
+
+    const TrashOutcome outcome = Trash::put(path, deletedAt);
+    ASSERT_TRUE(outcome.status.isOk()) << outcome.status.message();
+    ASSERT_TRUE(outcome.place);
+    EXPECT_EQ(readFile(*outcome.place), "ours");
+    EXPECT_EQ(listed(path).size(), 2u);
+    const auto names = namesIn(trash + "/files");
+    EXPECT_EQ(names.size(), 2u);
+    for (const std::string& name : names) {
+        if (trash + "/files/" + name != *outcome.place) {
+            EXPECT_EQ(readFile(trash + "/files/" + name), "theirs");
+        }
+    }
+}
+
+TEST_F(TrashInterop, UndoTakesTheFilesBackOutOfTheTrash) {
+    const std::string a = writeFile(work.file("a.png"), "a");
+    const std::string b = writeFile(work.file(awkwardName), "b");
+    const TidyResult result = Tidy::trash({a, b}, deletedAt, Trash::systemTrash);
+    ASSERT_TRUE(result.failed.empty());
+    ASSERT_EQ(result.journal.entries.size(), 2u);
+    EXPECT_EQ(listed(a).size(), 1u);
+    EXPECT_EQ(listed(b).size(), 1u);
+
+    const UndoResult undone = Tidy::undo(result.journal);
+    EXPECT_TRUE(undone.failed.empty());
+    EXPECT_EQ(readFile(a), "a");
+    EXPECT_EQ(readFile(b), "b");
+    EXPECT_TRUE(listed(a).empty());
+    EXPECT_TRUE(listed(b).empty());
+    EXPECT_TRUE(namesIn(trash + "/info").empty());
+}
+
+TEST_F(TrashInterop, TrashListReadsThePathsOfAnotherMountsTrash) {
+    ScratchMount disk(ScratchMount::Where::ownMount);
+    if (!disk.ok()) GTEST_SKIP() << disk.why();
+    const std::string path = writeFile(disk.file("shots/" + awkwardName), "picture");
+    ASSERT_TRUE(Trash::put(path, deletedAt).status.isOk());
+    EXPECT_EQ(listed(path), std::vector<std::string>{"2026-11-01 01:30:05 " + path});
+}
+
+} // namespace
+} // namespace lumivale

@@ -1,0 +1,102 @@
+#pragma once
+
+// Reads property-list files with independent tools (Python's plistlib, libplist's plistutil),
+// so tests can check that other programs read what Lumivale writes, and the other way round.
+
+#include "support/TempDir.h"
+
+#include <cstdio>
+#include <map>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+
+namespace lumivale::test {
+
+// Runs a shell command; its standard output, or nothing when it exits with a failure.
+inline std::optional<std::string> runShell(const std::string& command) {
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe)
+        return std::nullopt;
+    std::string output;
+    char buffer[4096];
+    for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+        output.append(buffer, n);
+    const int status = pclose(pipe);
+    if (status == -1 || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        return std::nullopt;
+    return output;
+}
+
+// Runs a Python script (Debian's python3) with the given shell-quoted arguments.
+inline std::optional<std::string> runPython(const std::string& script, const std::string& args) {
+    const TempDir dir;
+    const std::string file = writeFile(dir.file("script.py"), script);
+    return runShell("PYTHONIOENCODING=utf-8 /usr/bin/python3 '" + file + "' " + args);
+}
+
+// One value of a property list as plistlib sees it. `type` is dict (value: its keys, sorted,
+// joined by ","), array (value: its length), str (value: its UTF-8 bytes in hex), int, float
+// (value: Python's float.hex), bool ("true"/"false"), date (microseconds since 1970 UTC) or
+// data (hex).
+struct Leaf {
+    std::string type, value;
+};
+
+// Every value of the file by its path from the top, segments joined by "|" ("|shots|/a.png|size"),
+// as read by plistlib; nothing when plistlib cannot read the file.
+inline std::optional<std::map<std::string, Leaf>> readWithPlistlib(const std::string& file) {
+    static const char* script = R"(
+import datetime, plistlib, sys
+EPOCH = datetime.datetime(1970, 1, 1)
+def walk(path, v):
+    if isinstance(v, dict):
+        print(f"{path}\tdict\t{','.join(sorted(v))}")
+        for k, x in v.items():
+            walk(f"{path}|{k}", x)
+    elif isinstance(v, list):
+        print(f"{path}\tarray\t{len(v)}")
+        for i, x in enumerate(v):
+            walk(f"{path}|{i}", x)
+    elif isinstance(v, bool):
+        print(f"{path}\tbool\t{'true' if v else 'false'}")
+    elif isinstance(v, int):
+        print(f"{path}\tint\t{v}")
+    elif isinstance(v, float):
+        print(f"{path}\tfloat\t{v.hex()}")
+    elif isinstance(v, str):
+        print(f"{path}\tstr\t{v.encode('utf-8').hex()}")
+    elif isinstance(v, datetime.datetime):
+        print(f"{path}\tdate\t{(v - EPOCH) // datetime.timedelta(microseconds=1)}")
+    elif isinstance(v, bytes):
+        print(f"{path}\tdata\t{v.hex()}")
+    else:
+        sys.exit(f"unexpected {type(v)}")
+with open(sys.argv[1], 'rb') as f:
+    walk("", plistlib.load(f))
+)";
+    const auto output = runPython(script, "'" + file + "'");
+    if (!output)
+        return std::nullopt;
+    std::map<std::string, Leaf> leaves;
+    std::istringstream lines(*output);
+    for (std::string line; std::getline(lines, line);) {
+        const auto tab1 = line.find('\t'), tab2 = line.find('\t', tab1 + 1);
+        leaves[line.substr(0, tab1)] = {line.substr(tab1 + 1, tab2 - tab1 - 1), line.substr(tab2 + 1)};
+    }
+    return leaves;
+}
+
+// The bytes of a string in lower-case hex, as `Leaf` holds strings.
+inline std::string hexOf(std::string_view bytes) {
+    static const char digits[] = "0123456789abcdef";
+    std::string hex;
+    for (unsigned char c : bytes) {
+        hex += digits[c >> 4];
+        hex += digits[c & 0xF];
+    }
+    return hex;
+}
+
+} // namespace lumivale::test
