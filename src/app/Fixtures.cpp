@@ -3,6 +3,7 @@
 #include "app/Canvas.h"
 #include "app/FixtureDrawings.h"
 #include "core/FileOps.h"
+#include "core/Sensitive.h"
 
 #include <QBuffer>
 #include <QGuiApplication>
@@ -24,33 +25,6 @@ constexpr std::array<std::string_view, 16> kindIds = {
     "boardingPass", "trainTicket", "movieTicket", "chat",       "groupChat",
     "code",         "terminal",    "shopping",    "map",        "recipe",
     "sunset"};
-
-// The published Verhoeff scheme: multiplication in the dihedral group D5 and the position
-// permutation.
-constexpr int verhoeffMultiply[10][10] = {
-    {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, {1, 2, 3, 4, 0, 6, 7, 8, 9, 5}, {2, 3, 4, 0, 1, 7, 8, 9, 5, 6},
-    {3, 4, 0, 1, 2, 8, 9, 5, 6, 7}, {4, 0, 1, 2, 3, 9, 5, 6, 7, 8}, {5, 9, 8, 7, 6, 0, 4, 3, 2, 1},
-    {6, 5, 9, 8, 7, 1, 0, 4, 3, 2}, {7, 6, 5, 9, 8, 2, 1, 0, 4, 3}, {8, 7, 6, 5, 9, 3, 2, 1, 0, 4},
-    {9, 8, 7, 6, 5, 4, 3, 2, 1, 0}};
-constexpr int verhoeffPermute[8][10] = {
-    {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, {1, 5, 7, 6, 2, 8, 3, 0, 9, 4}, {5, 8, 0, 3, 7, 9, 6, 1, 4, 2},
-    {8, 9, 1, 6, 0, 4, 3, 5, 2, 7}, {9, 4, 5, 3, 1, 2, 6, 8, 7, 0}, {4, 2, 8, 6, 5, 7, 3, 9, 0, 1},
-    {2, 7, 9, 3, 8, 0, 6, 4, 1, 5}, {7, 0, 4, 6, 9, 1, 3, 2, 5, 8}};
-
-bool verhoeffValid(const std::string& digits) {
-    int c = 0;
-    for (size_t i = 0; i < digits.size(); ++i) {
-        const int digit = digits[digits.size() - 1 - i] - '0';
-        c = verhoeffMultiply[c][verhoeffPermute[i % 8][digit]];
-    }
-    return !digits.empty() && c == 0;
-}
-
-int verhoeffDigit(const std::string& prefix) {
-    for (int d = 0; d <= 9; ++d)
-        if (verhoeffValid(prefix + char('0' + d))) return d;
-    return 0;
-}
 
 timespec timespecOf(Date date) {
     const auto ns = date.time_since_epoch().count();
@@ -121,7 +95,7 @@ const std::vector<Fixture>& all() {
 const std::string& idNumber() {
     static const std::string number = [] {
         const std::string prefix = "48217395206";
-        return prefix + char('0' + verhoeffDigit(prefix));
+        return prefix + char('0' + Sensitive::verhoeffDigit(prefix));
     }();
     return number;
 }
