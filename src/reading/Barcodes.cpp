@@ -1,0 +1,100 @@
+#include "reading/Barcodes.h"
+
+#include "reading/Marks.h"
+#include "reading/Reader.h"
+
+#include <ZXing/ReadBarcode.h>
+
+#include <algorithm>
+
+namespace lumivale::Barcodes {
+
+namespace {
+
+// The detector looks for Aztec and Data Matrix codes only from the middle of the picture it
+// is given, so each place that may hold one is also given to it on its own. Such places are
+// found as marks of a copy reduced by taking the darkest pixel of each 8 × 8 block, in which
+// a code's modules run together into one mark.
+constexpr int blockSize = 8;
+constexpr int smallestPlace = 3;    // blocks on the shorter side
+constexpr int longestRatio = 5;     // a Data Matrix code may be a rectangle up to 4:1
+constexpr size_t mostPlaces = 30;   // the largest ones
+constexpr double placeMargin = 0.25; // of the larger side, added all round
+
+const auto centredKinds = ZXing::BarcodeFormat::Aztec | ZXing::BarcodeFormat::DataMatrix;
+
+void addKinds(const ZXing::ImageView& view, ZXing::BarcodeFormats formats,
+              std::vector<std::string>& names) {
+    const auto hints = ZXing::DecodeHints().setFormats(formats).setTryHarder(true);
+    for (const ZXing::Result& result : ZXing::ReadBarcodes(view, hints))
+        if (result.isValid())
+            names.push_back(Reader::name(ZXing::ToString(result.format())));
+}
+
+GrayImage darkestOfBlocks(const GrayImage& picture) {
+    GrayImage blocks{(picture.width + blockSize - 1) / blockSize,
+                     (picture.height + blockSize - 1) / blockSize, {}};
+    blocks.pixels.assign(size_t(blocks.width) * size_t(blocks.height), 255);
+    for (int y = 0; y < picture.height; ++y)
+        for (int x = 0; x < picture.width; ++x) {
+            uint8_t& block = blocks.pixels[size_t(y / blockSize) * size_t(blocks.width) +
+                                           size_t(x / blockSize)];
+            block = std::min(block, picture.at(x, y));
+        }
+    return blocks;
+}
+
+// Boxes, in the picture's pixels, around the places that may hold a code.
+std::vector<Marks::Box> placesOfCodes(const GrayImage& picture) {
+    std::vector<Marks::Box> places;
+    for (const Marks::Box& mark : Marks::find(darkestOfBlocks(picture), 128)) {
+        const int shorter = std::min(mark.width(), mark.height());
+        const int longer = std::max(mark.width(), mark.height());
+        if (shorter >= smallestPlace && longer <= longestRatio * shorter)
+            places.push_back(mark);
+    }
+    std::sort(places.begin(), places.end(), [](const Marks::Box& a, const Marks::Box& b) {
+        return a.width() * a.height() > b.width() * b.height();
+    });
+    if (places.size() > mostPlaces)
+        places.resize(mostPlaces);
+    for (Marks::Box& place : places) {
+        const int margin = int(placeMargin * std::max(place.width(), place.height())) + 1;
+        place = {std::max(0, place.left - margin) * blockSize,
+                 std::max(0, place.top - margin) * blockSize,
+                 std::min(picture.width - 1, (place.right + 1 + margin) * blockSize - 1),
+                 std::min(picture.height - 1, (place.bottom + 1 + margin) * blockSize - 1)};
+    }
+    return places;
+}
+
+void addKinds(const GrayImage& picture, std::vector<std::string>& names) {
+    const auto* pixels = picture.pixels.data();
+    addKinds(ZXing::ImageView(pixels, picture.width, picture.height, ZXing::ImageFormat::Lum),
+             ZXing::BarcodeFormat::Any, names);
+    for (const Marks::Box& place : placesOfCodes(picture))
+        addKinds(ZXing::ImageView(pixels + size_t(place.top) * size_t(picture.width) +
+                                      size_t(place.left),
+                                  place.width(), place.height(), ZXing::ImageFormat::Lum,
+                                  picture.width),
+                 centredKinds, names);
+}
+
+} // namespace
+
+std::vector<std::string> kindsIn(const GrayImage& picture) {
+    std::vector<std::string> names;
+    if (picture.pixels.empty())
+        return names;
+    addKinds(picture, names);
+    if (Preparation::isDark(picture)) {
+        GrayImage inverse = picture;
+        Preparation::invert(inverse);
+        addKinds(inverse, names);
+    }
+    std::sort(names.begin(), names.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
+    return names;
+}
+
+} // namespace lumivale::Barcodes

@@ -1,0 +1,66 @@
+#include "reading/Lines.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace lumivale::Lines {
+
+namespace {
+constexpr float rowTolerance = 0.008f;
+// Words further apart than this many line heights belong to different lines.
+constexpr int widestGap = 2;
+} // namespace
+
+std::vector<Piece> pieces(const std::vector<Word>& words) {
+    std::vector<Piece> found;
+    for (size_t i = 0; i < words.size(); ++i) {
+        const Word& word = words[i];
+        const int lineHeight = word.line.bottom - word.line.top;
+        if (i == 0 || word.startsLine || word.box.left - words[i - 1].box.right > widestGap * lineHeight) {
+            found.push_back({word.text, word.box});
+            continue;
+        }
+        Piece& piece = found.back();
+        piece.text += " " + word.text;
+        piece.box = {std::min(piece.box.left, word.box.left), std::min(piece.box.top, word.box.top),
+                     std::max(piece.box.right, word.box.right),
+                     std::max(piece.box.bottom, word.box.bottom)};
+    }
+    return found;
+}
+
+std::optional<TextLine> make(std::string_view text, PixelBox box, int width, int height) {
+    const size_t first = text.find_first_not_of(" \t");
+    if (first == std::string_view::npos || width <= 0 || height <= 0)
+        return std::nullopt;
+    // The engine closes every line with a line feed; white space inside a line stays.
+    const size_t last = text.find_last_not_of(" \t\n");
+    if (last == std::string_view::npos || last < first)
+        return std::nullopt;
+    const float w = float(width), h = float(height);
+    return TextLine{std::string(text.substr(first, last - first + 1)), float(box.left) / w,
+                    1.0f - float(box.bottom) / h, float(box.right - box.left) / w,
+                    float(box.bottom - box.top) / h};
+}
+
+bool precedes(const TextLine& a, const TextLine& b) {
+    if (std::fabs(a.y - b.y) > rowTolerance)
+        return a.y > b.y;
+    return a.x < b.x;
+}
+
+void sort(std::vector<TextLine>& lines) {
+    // The row tolerance makes the order intransitive (a ~ b and b ~ c, yet a before c), which
+    // the standard sorts do not allow; a stable insertion sort is well defined for any order,
+    // and a picture holds at most a few hundred lines.
+    for (size_t i = 1; i < lines.size(); ++i) {
+        TextLine line = std::move(lines[i]);
+        size_t j = i;
+        for (; j > 0 && precedes(line, lines[j - 1]); --j)
+            lines[j] = std::move(lines[j - 1]);
+        lines[j] = std::move(line);
+    }
+}
+
+} // namespace lumivale::Lines

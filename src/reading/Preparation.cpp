@@ -1,0 +1,228 @@
+#include "reading/Preparation.h"
+
+#include "reading/Marks.h"
+#include "reading/VipsHandles.h"
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+#include <numeric>
+
+namespace lumivale::Preparation {
+
+namespace {
+
+// Measured on drawn screenshots (bench/ReadingBench): letters of 9 to 30 pixels read well;
+// smaller ones are brought to 10, larger ones to 30.
+constexpr double goodLetter = 10;
+constexpr double smallestGoodLetter = 9;
+constexpr double largestGoodLetter = 30;
+constexpr double largestEnlargement = 3;
+constexpr double pixelBudget = 24e6; // bounds the recogniser's memory and time
+
+// A mark is ink when it is this much darker than the picture's median.
+constexpr int inkContrast = 64;
+// Fewer letter-shaped marks than this say nothing about the text size.
+constexpr size_t fewestLetters = 8;
+
+// Background whitening works on tiles of 8 × 8 pixels; a tile's ground is the median of the
+// tile medians around it (5 × 5 tiles), so that letters, even bold ones, never count as ground.
+constexpr int tileSize = 8;
+constexpr int groundReach = 2;
+// A tile whose grey levels span less than this holds no text.
+constexpr int textContrast = 32;
+// Neighbouring tiles whose grounds differ by at most this belong to the same region.
+constexpr int sameGround = 16;
+
+uint8_t median(const GrayImage& image) {
+    std::array<size_t, 256> histogram{};
+    for (uint8_t v : image.pixels)
+        ++histogram[v];
+    size_t seen = 0;
+    int level = 0;
+    while ((seen += histogram[level]) * 2 < image.pixels.size())
+        ++level;
+    return uint8_t(level);
+}
+
+bool looksLikeLetter(const Marks::Box& box, int imageHeight) {
+    const int w = box.width(), h = box.height();
+    // Not specks, rules, frames or whole words run together; thin strokes (l, i, |) say little.
+    return h >= 4 && h <= imageHeight / 4 && w <= 2 * h && 5 * w >= h;
+}
+
+// Per tile: the median, lowest and highest grey.
+struct Tiles {
+    int columns = 0, rows = 0;
+    std::vector<int> median, low, high;
+
+    explicit Tiles(const GrayImage& image)
+        : columns((image.width + tileSize - 1) / tileSize),
+          rows((image.height + tileSize - 1) / tileSize) {
+        const size_t count = size_t(columns) * size_t(rows);
+        median.resize(count);
+        low.resize(count);
+        high.resize(count);
+        std::vector<uint8_t> values;
+        for (int ty = 0; ty < rows; ++ty)
+            for (int tx = 0; tx < columns; ++tx) {
+                values.clear();
+                for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y)
+                    for (int x = tx * tileSize; x < std::min(image.width, (tx + 1) * tileSize); ++x)
+                        values.push_back(image.at(x, y));
+                const auto [lo, hi] = std::minmax_element(values.begin(), values.end());
+                const size_t i = index(tx, ty);
+                low[i] = *lo;
+                high[i] = *hi;
+                std::nth_element(values.begin(), values.begin() + values.size() / 2, values.end());
+                median[i] = values[values.size() / 2];
+            }
+    }
+
+    size_t index(int tx, int ty) const { return size_t(ty) * size_t(columns) + size_t(tx); }
+
+    // The ground around each tile: the median of the tile medians within reach.
+    std::vector<int> grounds() const {
+        std::vector<int> ground(median.size());
+        std::vector<int> near;
+        for (int ty = 0; ty < rows; ++ty)
+            for (int tx = 0; tx < columns; ++tx) {
+                near.clear();
+                for (int y = std::max(0, ty - groundReach); y <= std::min(rows - 1, ty + groundReach);
+                     ++y)
+                    for (int x = std::max(0, tx - groundReach);
+                         x <= std::min(columns - 1, tx + groundReach); ++x)
+                        near.push_back(median[index(x, y)]);
+                std::nth_element(near.begin(), near.begin() + near.size() / 2, near.end());
+                ground[index(tx, ty)] = near[near.size() / 2];
+            }
+        return ground;
+    }
+};
+
+// Groups tiles into regions of one ground, and says for each region whether its text is
+// lighter than its ground: the majority of its tiles that hold text decides.
+std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& ground) {
+    std::vector<int> region(ground.size(), -1);
+    std::vector<int> votes; // > 0: lighter text
+    std::vector<size_t> pending;
+    for (size_t start = 0; start < ground.size(); ++start) {
+        if (region[start] >= 0)
+            continue;
+        const int id = int(votes.size());
+        votes.push_back(0);
+        region[start] = id;
+        pending.push_back(start);
+        while (!pending.empty()) {
+            const size_t i = pending.back();
+            pending.pop_back();
+            if (tiles.high[i] - tiles.low[i] >= textContrast)
+                votes[id] += tiles.high[i] - ground[i] > ground[i] - tiles.low[i] ? 1 : -1;
+            const int tx = int(i % size_t(tiles.columns)), ty = int(i / size_t(tiles.columns));
+            for (const auto& [dx, dy] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
+                const int x = tx + dx, y = ty + dy;
+                if (x < 0 || y < 0 || x >= tiles.columns || y >= tiles.rows)
+                    continue;
+                const size_t j = tiles.index(x, y);
+                if (region[j] < 0 && std::abs(ground[j] - ground[i]) <= sameGround) {
+                    region[j] = id;
+                    pending.push_back(j);
+                }
+            }
+        }
+    }
+    std::vector<bool> light(ground.size());
+    for (size_t i = 0; i < ground.size(); ++i)
+        light[i] = votes[region[i]] > 0;
+    return light;
+}
+
+} // namespace
+
+bool isDark(const GrayImage& image) { return !image.pixels.empty() && median(image) < 128; }
+
+void invert(GrayImage& image) {
+    for (uint8_t& v : image.pixels)
+        v = uint8_t(255 - v);
+}
+
+double letterHeight(const GrayImage& image) {
+    if (image.pixels.empty())
+        return 0;
+    const int inkBelow = int(median(image)) - inkContrast;
+    std::vector<int> heights;
+    for (const Marks::Box& box : Marks::find(image, inkBelow))
+        if (looksLikeLetter(box, image.height))
+            heights.push_back(box.height());
+    if (heights.size() < fewestLetters)
+        return 0;
+    std::nth_element(heights.begin(), heights.begin() + heights.size() / 2, heights.end());
+    return heights[heights.size() / 2];
+}
+
+double scaleFor(double letterHeight, int width, int height) {
+    if (letterHeight <= 0 || width <= 0 || height <= 0)
+        return 1;
+    if (letterHeight > largestGoodLetter)
+        return largestGoodLetter / letterHeight;
+    if (letterHeight >= smallestGoodLetter)
+        return 1;
+    const double budget = std::sqrt(pixelBudget / (double(width) * double(height)));
+    return std::max(1.0, std::min({goodLetter / letterHeight, largestEnlargement, budget}));
+}
+
+void whitenBackgrounds(GrayImage& image) {
+    if (image.pixels.empty())
+        return;
+    const Tiles tiles(image);
+    const std::vector<int> ground = tiles.grounds();
+    const std::vector<bool> lightText = lightTextByTile(tiles, ground);
+    for (int ty = 0; ty < tiles.rows; ++ty)
+        for (int tx = 0; tx < tiles.columns; ++tx) {
+            const size_t i = tiles.index(tx, ty);
+            if (lightText[i])
+                continue;
+            const int base = std::max(ground[i], 1);
+            for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y)
+                for (int x = tx * tileSize; x < std::min(image.width, (tx + 1) * tileSize); ++x) {
+                    uint8_t& v = image.pixels[size_t(y) * size_t(image.width) + size_t(x)];
+                    v = uint8_t(std::min(255, v * 255 / base));
+                }
+        }
+}
+
+std::optional<GrayImage> scaled(const GrayImage& image, double factor) {
+    VipsRef<VipsImage> in(vips_image_new_from_memory(
+        image.pixels.data(), image.pixels.size(), image.width, image.height, 1, VIPS_FORMAT_UCHAR));
+    VipsImage* out = nullptr;
+    if (!in || vips_resize(in.get(), &out, factor, nullptr)) {
+        vips_error_clear();
+        return std::nullopt;
+    }
+    VipsRef<VipsImage> resized(out);
+    size_t size = 0;
+    VipsBuffer data(vips_image_write_to_memory(out, &size));
+    if (!data) {
+        vips_error_clear();
+        return std::nullopt;
+    }
+    GrayImage result{out->Xsize, out->Ysize, {}};
+    const auto* bytes = static_cast<const uint8_t*>(data.get());
+    result.pixels.assign(bytes, bytes + size);
+    return result;
+}
+
+GrayImage prepare(GrayImage image) {
+    if (isDark(image))
+        invert(image);
+    const double factor = scaleFor(letterHeight(image), image.width, image.height);
+    if (factor != 1)
+        if (auto resized = scaled(image, factor))
+            image = std::move(*resized);
+    whitenBackgrounds(image);
+    return image;
+}
+
+} // namespace lumivale::Preparation

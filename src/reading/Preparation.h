@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace lumivale {
+
+// A picture as 8-bit grey levels, row after row, with no padding.
+struct GrayImage {
+    int width = 0;
+    int height = 0;
+    std::vector<uint8_t> pixels;
+
+    uint8_t at(int x, int y) const { return pixels[size_t(y) * size_t(width) + size_t(x)]; }
+};
+
+// Makes a picture ready for the text recogniser, which reads dark letters on a light ground
+// best when their lowercase letters stand about ten pixels tall.
+namespace Preparation {
+
+// Whether the picture is mostly dark (a dark theme, a terminal): its median grey is below
+// the middle.
+bool isDark(const GrayImage& image);
+
+// Light becomes dark and dark becomes light.
+void invert(GrayImage& image);
+
+// The typical height in pixels of the letters of dark text on a light picture: the median
+// height of the letter-shaped dark marks; 0 when there are too few to tell.
+double letterHeight(const GrayImage& image);
+
+// The factor that brings letters of this height to a good size, for a picture of this many
+// pixels: small letters are enlarged (within a pixel budget), huge ones reduced; 1 when they
+// are fine or unknown.
+double scaleFor(double letterHeight, int width, int height);
+
+// Makes the ground of every region whose text is darker than it white, so tinted panels,
+// cards and bubbles read like paper. Regions whose text is lighter than their ground are left
+// as they are; the recogniser checks inverted lines itself.
+void whitenBackgrounds(GrayImage& image);
+
+// The picture scaled by `factor`; nothing when it cannot be scaled.
+std::optional<GrayImage> scaled(const GrayImage& image, double factor);
+
+// The picture made ready for recognition: dark text on light ground, letters of a good size.
+GrayImage prepare(GrayImage image);
+
+} // namespace Preparation
+} // namespace lumivale

@@ -1,0 +1,214 @@
+#include "reading/Reader.h"
+
+#include "reading/Preparation.h"
+#include "reading/ReadingLanguages.h"
+#include "reading/Barcodes.h"
+#include "reading/Lines.h"
+#include "reading/VipsHandles.h"
+
+#include <tesseract/baseapi.h>
+#include <tesseract/ocrclass.h>
+#include <tesseract/resultiterator.h>
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+
+namespace lumivale::Reader {
+
+namespace {
+
+// The longer side of the picture that is read; larger pictures are read reduced.
+constexpr int longestSide = 3000;
+// Recognition of one picture is given up after this long (a photograph of noise, say).
+constexpr int recognitionDeadlineMs = 30000;
+// Letters prepared to about ten pixels are 10-point print at this resolution; the engine only
+// uses it as a hint for its page layout.
+constexpr int resolution = 300;
+
+void ignoreMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
+
+// libvips is started once per process, whichever thread reads first.
+bool vipsStarted() {
+    static const bool started = [] {
+        if (VIPS_INIT("lumivale"))
+            return false;
+        // Operations are not cached: every picture is read once, and memory stays bounded.
+        vips_cache_set_max(0);
+        // A damaged file is reported as a failed reading, not as warnings on the terminal.
+        g_log_set_handler("VIPS", GLogLevelFlags(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE),
+                          ignoreMessage, nullptr);
+        return true;
+    }();
+    return started;
+}
+
+// A picture file as opened: its recorded size, and its grey picture when it could be decoded.
+struct Opened {
+    bool opened = false;
+    int64_t width = 0, height = 0;
+    std::optional<GrayImage> picture;
+};
+
+// The orientation-corrected picture, at most `longestSide` pixels long, in grey levels on a
+// white ground where it was transparent.
+std::optional<GrayImage> greyPicture(VipsImage* image) {
+    VipsImage* out = nullptr;
+    if (vips_thumbnail_image(image, &out, longestSide, "height", longestSide, "size",
+                             VIPS_SIZE_DOWN, nullptr))
+        return std::nullopt;
+    VipsRef<VipsImage> thumbnail(out);
+    if (vips_colourspace(thumbnail.get(), &out, VIPS_INTERPRETATION_sRGB, nullptr))
+        return std::nullopt;
+    VipsRef<VipsImage> colour(out);
+    if (vips_image_hasalpha(colour.get())) {
+        double white[] = {255, 255, 255};
+        VipsArrayDouble* background = vips_array_double_new(white, 3);
+        const int failed = vips_flatten(colour.get(), &out, "background", background, nullptr);
+        vips_area_unref(VIPS_AREA(background));
+        if (failed)
+            return std::nullopt;
+        colour.reset(out);
+    }
+    if (vips_colourspace(colour.get(), &out, VIPS_INTERPRETATION_B_W, nullptr))
+        return std::nullopt;
+    VipsRef<VipsImage> grey(out);
+    if (vips_cast_uchar(grey.get(), &out, nullptr))
+        return std::nullopt;
+    VipsRef<VipsImage> bytes(out);
+    // The file is decoded here, so a damaged one fails here.
+    size_t size = 0;
+    VipsBuffer data(vips_image_write_to_memory(out, &size));
+    if (!data || size != size_t(out->Xsize) * size_t(out->Ysize))
+        return std::nullopt;
+    const auto* pixels = static_cast<const uint8_t*>(data.get());
+    return GrayImage{out->Xsize, out->Ysize, std::vector<uint8_t>(pixels, pixels + size)};
+}
+
+Opened open(const std::string& path) {
+    Opened result;
+    if (!vipsStarted())
+        return result;
+    // A source, not a file name: libvips would read "[…]" in a file name as load options.
+    VipsRef<VipsSource> source(vips_source_new_from_file(path.c_str()));
+    VipsRef<VipsImage> image(source ? vips_image_new_from_source(source.get(), "", "access",
+                                                             VIPS_ACCESS_SEQUENTIAL, "fail_on",
+                                                             VIPS_FAIL_ON_TRUNCATED, nullptr)
+                                : nullptr);
+    if (image) {
+        result.opened = true;
+        // The file's own size, as stored: an orientation tag does not swap it.
+        result.width = vips_image_get_width(image.get());
+        result.height = vips_image_get_height(image.get());
+        result.picture = greyPicture(image.get());
+    }
+    vips_error_clear();
+    return result;
+}
+
+// One recognition engine per reading thread, kept for the life of the thread.
+class Engine {
+public:
+    // Loads the models unless they are loaded already; false when they cannot be.
+    bool load(const std::string& models) {
+        if (ready_ && models == models_)
+            return true;
+        api_.End();
+        api_.SetVariable("debug_file", "/dev/null");
+        ready_ = api_.Init(nullptr, models.c_str(), tesseract::OEM_LSTM_ONLY) == 0;
+        models_ = models;
+        if (ready_)
+            api_.SetPageSegMode(tesseract::PSM_AUTO);
+        return ready_;
+    }
+
+    // Recognises the lines of a prepared picture into `lines`; false when recognition failed
+    // (the lines found until then are still given).
+    bool recognise(const GrayImage& picture, std::vector<TextLine>& lines) {
+        api_.SetImage(picture.pixels.data(), picture.width, picture.height, 1, picture.width);
+        api_.SetSourceResolution(resolution);
+        tesseract::ETEXT_DESC monitor;
+        monitor.set_deadline_msecs(recognitionDeadlineMs);
+        const bool done = api_.Recognize(&monitor) == 0;
+        std::vector<Lines::Word> words;
+        std::unique_ptr<tesseract::ResultIterator> it(api_.GetIterator());
+        if (it && !it->Empty(tesseract::RIL_WORD))
+            do {
+                if (auto word = wordAt(*it))
+                    words.push_back(std::move(*word));
+            } while (it->Next(tesseract::RIL_WORD));
+        for (const Lines::Piece& piece : Lines::pieces(words))
+            if (auto line = Lines::make(piece.text, piece.box, picture.width, picture.height))
+                lines.push_back(std::move(*line));
+        api_.Clear();
+        return done;
+    }
+
+private:
+    static std::optional<Lines::Word> wordAt(const tesseract::ResultIterator& it) {
+        const std::unique_ptr<char[]> text(it.GetUTF8Text(tesseract::RIL_WORD));
+        Lines::Word word;
+        if (!text || !boxAt(it, tesseract::RIL_WORD, word.box) ||
+            !boxAt(it, tesseract::RIL_TEXTLINE, word.line))
+            return std::nullopt;
+        word.text = text.get();
+        word.startsLine = it.IsAtBeginningOf(tesseract::RIL_TEXTLINE);
+        return word;
+    }
+
+    static bool boxAt(const tesseract::ResultIterator& it, tesseract::PageIteratorLevel level,
+                      Lines::PixelBox& box) {
+        return it.BoundingBox(level, &box.left, &box.top, &box.right, &box.bottom);
+    }
+
+    tesseract::TessBaseAPI api_;
+    std::string models_;
+    bool ready_ = false;
+};
+
+thread_local Engine engine;
+
+// Reads an opened picture: lines in reading order and barcode kinds.
+void readPicture(const GrayImage& picture, const std::vector<std::string>& languages,
+                 Reading& reading) {
+    try {
+        reading.barcodes = Barcodes::kindsIn(picture);
+        if (!engine.load(ReadingLanguages::models(languages))) {
+            reading.failed = true;
+            return;
+        }
+        reading.failed = !engine.recognise(Preparation::prepare(picture), reading.lines);
+    } catch (const std::exception&) {
+        reading.failed = true;
+    }
+    Lines::sort(reading.lines);
+}
+
+} // namespace
+
+Reading read(const std::string& path, const std::vector<std::string>& languages) {
+    Reading reading;
+    const Opened file = open(path);
+    reading.pixelWidth = file.width;
+    reading.pixelHeight = file.height;
+    if (!file.picture) {
+        reading.failed = true;
+        return reading;
+    }
+    if (reading.pixelWidth == 0) {
+        reading.pixelWidth = file.picture->width;
+        reading.pixelHeight = file.picture->height;
+    }
+    readPicture(*file.picture, languages, reading);
+    return reading;
+}
+
+std::string name(const std::string& symbology) {
+    if (symbology == "QRCode" || symbology == "MicroQRCode")
+        return "QR";
+    if (symbology == "Aztec" || symbology == "PDF417" || symbology == "DataMatrix")
+        return symbology;
+    return "Barcode";
+}
+
+} // namespace lumivale::Reader

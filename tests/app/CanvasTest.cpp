@@ -1,0 +1,171 @@
+#include "app/Canvas.h"
+
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QGuiApplication>
+#include <QPainter>
+#include <ZXing/ReadBarcode.h>
+#include <gtest/gtest.h>
+
+namespace lumivale {
+namespace {
+
+void startGui() {
+    static int argc = 1;
+    static char name[] = "CanvasTest";
+    static char* argv[] = {name, nullptr};
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    static QGuiApplication app(argc, argv);
+}
+
+// Whether some pixel inside r is (nearly) the colour c.
+bool holds(const QImage& image, const QRect& r, uint32_t c) {
+    const QColor want = rgb(c);
+    for (int y = r.top(); y <= r.bottom(); ++y)
+        for (int x = r.left(); x <= r.right(); ++x) {
+            const QColor got = image.pixelColor(x, y);
+            if (std::abs(got.red() - want.red()) + std::abs(got.green() - want.green()) +
+                    std::abs(got.blue() - want.blue()) <
+                12)
+                return true;
+        }
+    return false;
+}
+
+TEST(CanvasTest, FontsResolveToTheInstalledFamilies) {
+    startGui();
+    EXPECT_EQ(QFontInfo(Canvas::sans(14)).family(), "Liberation Sans");
+    EXPECT_EQ(QFontInfo(Canvas::sans(14, QFont::Bold)).family(), "Liberation Sans");
+    EXPECT_TRUE(QFontInfo(Canvas::sans(14, QFont::Bold)).bold());
+    EXPECT_EQ(QFontInfo(Canvas::mono(14)).family(), "DejaVu Sans Mono");
+    EXPECT_TRUE(QFontInfo(Canvas::mono(14)).fixedPitch());
+    // The symbols Liberation Sans lacks (₹, ★, ✓) come from Noto.
+    const QStringList families = QFontDatabase::families();
+    EXPECT_TRUE(families.contains("Noto Sans"));
+    EXPECT_TRUE(families.contains("Noto Sans Symbols2"));
+}
+
+TEST(CanvasTest, RenderMakesTwoPixelsPerPointFilledWithTheBackground) {
+    startGui();
+    struct Case {
+        double w, h;
+        uint32_t bg;
+    };
+    for (const Case& c :
+         {Case{390, 844, 0x111018}, Case{10.5, 3, 0xF6A04D}, Case{1, 1, 0xFFFFFF}}) {
+        SCOPED_TRACE(c.w);
+        Canvas canvas(c.w, c.h, c.bg);
+        bool ran = false;
+        const QImage image = canvas.render([&](Canvas&) { ran = true; });
+        ASSERT_FALSE(image.isNull());
+        EXPECT_TRUE(ran);
+        EXPECT_EQ(image.width(), qRound(2 * c.w));
+        EXPECT_EQ(image.height(), qRound(2 * c.h));
+        EXPECT_EQ(image.format(), QImage::Format_ARGB32_Premultiplied);
+        EXPECT_EQ(image.pixel(0, 0), rgb(c.bg).rgb());
+        EXPECT_EQ(image.pixel(image.width() - 1, image.height() - 1), rgb(c.bg).rgb());
+    }
+    Canvas empty(0, 0, 0xFFFFFF);
+    EXPECT_TRUE(empty.render([](Canvas&) {}).isNull());
+}
+
+TEST(CanvasTest, OnePointIsTwoPixelsWithYDown) {
+    startGui();
+    Canvas canvas(100, 50, 0xFFFFFF);
+    const QImage image = canvas.render([](Canvas& c) { c.fill(QRectF(10, 5, 20, 10), 0xFF0000); });
+    EXPECT_EQ(image.pixel(20, 10), qRgb(255, 0, 0)); // top-left corner of the box
+    EXPECT_EQ(image.pixel(59, 29), qRgb(255, 0, 0)); // bottom-right corner
+    EXPECT_EQ(image.pixel(19, 10), qRgb(255, 255, 255));
+    EXPECT_EQ(image.pixel(60, 29), qRgb(255, 255, 255));
+    EXPECT_EQ(image.pixel(20, 30), qRgb(255, 255, 255));
+}
+
+TEST(CanvasTest, DrawnBarcodesDecodeToTheirPayload) {
+    startGui();
+    struct Case {
+        BarcodeKind kind;
+        QString payload;
+        ZXing::BarcodeFormat format;
+        QRectF box;
+    };
+    const Case cases[] = {
+        {BarcodeKind::qr, "PNR4521873690", ZXing::BarcodeFormat::QRCode, {20, 20, 150, 150}},
+        {BarcodeKind::aztec,
+         "M1DORAN/NELA EK7Q2MX BLRDEL 6E 2134 290Y022A0014 100",
+         ZXing::BarcodeFormat::Aztec,
+         {20, 20, 150, 150}},
+        {BarcodeKind::code128, "20931", ZXing::BarcodeFormat::Code128, {20, 60, 160, 50}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.payload.toStdString());
+        Canvas canvas(200, 200, 0xDDE3EA);
+        const QImage image =
+            canvas.render([&](Canvas& cv) { cv.barcode(c.kind, c.payload, c.box); })
+                .convertToFormat(QImage::Format_Grayscale8);
+        const ZXing::ImageView view(image.constBits(), image.width(), image.height(),
+                                    ZXing::ImageFormat::Lum, image.bytesPerLine());
+        const ZXing::Result result = ZXing::ReadBarcode(view);
+        ASSERT_TRUE(result.isValid());
+        EXPECT_EQ(result.format(), c.format);
+        EXPECT_EQ(QString::fromStdWString(result.text()), c.payload);
+        // The symbol stays inside its box.
+        const QRect outside(0, 0, image.width(), qFloor(2 * c.box.top()) - 1);
+        EXPECT_FALSE(holds(image.convertToFormat(QImage::Format_RGB32), outside, 0x000000));
+    }
+}
+
+TEST(CanvasTest, CodeColoursKeywordsTypesStringsNumbersAndAttributes) {
+    startGui();
+    const CodeStyle style{.plain = 0xFFFFFF,
+                          .keyword = 0xFF0000,
+                          .type = 0x0000FF,
+                          .string = 0x00FF00,
+                          .number = 0xFFFF00,
+                          .attribute = 0xFF00FF,
+                          .size = 20};
+    struct Case {
+        QString line;
+        std::vector<QString> pieces;
+        std::vector<uint32_t> colours;
+    };
+    const Case cases[] = {
+        {"import SwiftUI", {"import", " ", "SwiftUI"}, {0xFF0000, 0x0000FF}},
+        {"@State var n = 10",
+         {"@State", " ", "var", " ", "n", " ", "=", " ", "10"},
+         {0xFF00FF, 0xFF0000, 0xFFFF00}},
+        {"f(\"a \\\"b\\\" c\")", {"f", "(", "\"a \\\"b\\\" c\"", ")"}, {0x00FF00}},
+        {"", {}, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.line.toStdString());
+        Canvas canvas(400, 40, 0x000000);
+        const QImage image = canvas.render([&](Canvas& cv) { cv.code(c.line, 10, 28, style); });
+        EXPECT_EQ(canvas.texts(), c.pieces);
+        for (uint32_t colour : c.colours)
+            EXPECT_TRUE(holds(image, image.rect(), colour)) << std::hex << colour;
+    }
+}
+
+TEST(CanvasTest, BubblesSitOnTheirOwnSideAndGrowWithTheirText) {
+    startGui();
+    Canvas canvas(390, 400, 0xFFFFFF);
+    double shortBottom = 0, longBottom = 0, mineBottom = 0;
+    const QImage image = canvas.render([&](Canvas& c) {
+        shortBottom = c.bubble({"Hi", false, "9:41", {}}, 10, 14, 376);
+        mineBottom = c.bubble({"Hello there", true, "9:42", {}}, 100, 14, 376);
+        longBottom = c.bubble({QString("word ").repeated(40), false, "9:43", "Nela"}, 200, 14, 376);
+    });
+    EXPECT_GT(shortBottom, 10 + 30);
+    EXPECT_GT(longBottom - 200, 3 * (shortBottom - 10)); // wrapped over several lines
+    // Another's bubble hugs the left, one's own the right.
+    EXPECT_TRUE(holds(image, QRect(30, 24, 10, 10), 0xF0F0F0));
+    EXPECT_FALSE(holds(image, QRect(700, 24, 20, 10), 0xF0F0F0));
+    EXPECT_TRUE(holds(image, QRect(730, 224, 10, 10), 0xD9FDD3));
+    EXPECT_FALSE(holds(image, QRect(30, 224, 10, 10), 0xD9FDD3));
+    const std::vector<QString> texts = canvas.texts();
+    EXPECT_NE(std::find(texts.begin(), texts.end(), "Nela"), texts.end());
+    EXPECT_NE(std::find(texts.begin(), texts.end(), "9:43"), texts.end());
+}
+
+} // namespace
+} // namespace lumivale

@@ -1,0 +1,161 @@
+#include "reading/Preparation.h"
+
+#include "Drawing.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+namespace lumivale {
+namespace {
+
+using test::black;
+using test::Canvas;
+using test::white;
+
+const char* const sentence = "The quick brown fox jumps over the lazy dog";
+
+// The share of the pixels in a rectangle that are at least this light.
+double lightShare(const GrayImage& image, int x0, int y0, int x1, int y1, int atLeast) {
+    size_t light = 0, all = 0;
+    for (int y = y0; y < y1; ++y)
+        for (int x = x0; x < x1; ++x, ++all)
+            light += image.at(x, y) >= atLeast;
+    return double(light) / double(all);
+}
+
+uint8_t darkest(const GrayImage& image, int x0, int y0, int x1, int y1) {
+    uint8_t least = 255;
+    for (int y = y0; y < y1; ++y)
+        for (int x = x0; x < x1; ++x)
+            least = std::min(least, image.at(x, y));
+    return least;
+}
+
+TEST(PreparationTest, LetterHeightFollowsTheFontSize) {
+    // Lowercase letters stand about half the font size; the median mark is one of them.
+    for (int size : {10, 13, 20, 40, 90}) {
+        SCOPED_TRACE(size);
+        Canvas canvas(size * 30, size * 6, white);
+        for (int line = 0; line < 3; ++line)
+            canvas.text(black, size, size + line * size * 3 / 2,
+                        "Liberation Sans " + std::to_string(size), sentence);
+        const double height = Preparation::letterHeight(canvas.grey());
+        EXPECT_GE(height, 0.4 * size);
+        EXPECT_LE(height, 0.8 * size);
+    }
+}
+
+TEST(PreparationTest, LetterHeightIsUnknownWithoutEnoughLetters) {
+    struct Case {
+        const char* name;
+        std::function<void(Canvas&)> draw;
+    };
+    const std::vector<Case> cases{
+        {"blank", [](Canvas&) {}},
+        {"rules and frames only",
+         [](Canvas& c) {
+             c.rect(black, 10, 10, 500, 2).rect(black, 10, 50, 2, 200).rect(black, 100, 100, 300, 150);
+         }},
+        {"three letters", [](Canvas& c) { c.text(black, 20, 20, "Liberation Sans 20", "abc"); }},
+        {"light text on white", [](Canvas& c) {
+             c.text({200, 200, 200}, 20, 20, "Liberation Sans 20", sentence);
+         }},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Canvas canvas(600, 300, white);
+        c.draw(canvas);
+        EXPECT_EQ(Preparation::letterHeight(canvas.grey()), 0);
+    }
+    EXPECT_EQ(Preparation::letterHeight(GrayImage{}), 0);
+}
+
+TEST(PreparationTest, ScaleBringsLettersToAGoodSizeWithinTheBudget) {
+    struct Case {
+        double letter;
+        int width, height;
+        double expected;
+    };
+    const std::vector<Case> cases{
+        {5, 1000, 800, 2.0},        {8, 1000, 800, 1.25},       {9, 1000, 800, 1.0},
+        {20, 1000, 800, 1.0},       {30, 1000, 800, 1.0},       {60, 1000, 800, 0.5},
+        {120, 3000, 2000, 0.25},    {2, 1000, 800, 3.0},        {4, 3000, 2000, 2.0},
+        {4, 3000, 3000, 1.632993},  {0, 1000, 800, 1.0},        {5, 0, 0, 1.0},
+        {2, 6000, 6000, 1.0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.letter << " px in " << c.width << "×" << c.height);
+        EXPECT_NEAR(Preparation::scaleFor(c.letter, c.width, c.height), c.expected, 1e-5);
+    }
+}
+
+TEST(PreparationTest, WhiteningMakesTintedGroundsWhiteAndKeepsTheText) {
+    // A grey panel with dark text beside a white page with dark text, and a blue button with
+    // white text, whose region is left to the recogniser.
+    Canvas canvas(900, 300, white);
+    canvas.rect({200, 200, 200}, 0, 0, 300, 300);
+    canvas.text({30, 30, 30}, 20, 40, "Liberation Sans 16", "Threads and mentions");
+    canvas.text(black, 340, 40, "Liberation Sans 16", "Meeting notes for Monday");
+    canvas.rect({11, 132, 255}, 340, 150, 400, 100);
+    canvas.text(white, 380, 185, "Liberation Sans Bold 16", "Continue");
+    const GrayImage before = canvas.grey();
+    GrayImage image = before;
+    Preparation::whitenBackgrounds(image);
+
+    ASSERT_EQ(image.width, before.width);
+    ASSERT_EQ(image.height, before.height);
+    EXPECT_LT(lightShare(before, 20, 120, 280, 280, 250), 0.01);
+    EXPECT_GT(lightShare(image, 20, 120, 280, 280, 250), 0.99) << "panel ground";
+    EXPECT_LT(darkest(image, 20, 40, 280, 70), 60) << "panel text";
+    EXPECT_LT(darkest(image, 340, 40, 700, 70), 30) << "page text";
+    EXPECT_GT(lightShare(image, 360, 70, 880, 140, 250), 0.99) << "page ground";
+    for (int y = 160; y < 240; ++y)
+        for (int x = 350; x < 730; ++x)
+            ASSERT_EQ(image.at(x, y), before.at(x, y)) << "button at " << x << "," << y;
+}
+
+TEST(PreparationTest, WhiteningKeepsTheInsideOfBoldLetters) {
+    Canvas canvas(800, 300, white);
+    canvas.text(black, 40, 40, "Liberation Sans Bold 200", "Sale");
+    GrayImage image = canvas.grey();
+    const double inkBefore = 1 - lightShare(image, 0, 0, image.width, image.height, 128);
+    Preparation::whitenBackgrounds(image);
+    const double inkAfter = 1 - lightShare(image, 0, 0, image.width, image.height, 128);
+    EXPECT_GT(inkBefore, 0.05);
+    EXPECT_NEAR(inkAfter, inkBefore, 0.01);
+}
+
+TEST(PreparationTest, PrepareGivesDarkTextOnLightGroundAtAGoodSize) {
+    struct Case {
+        const char* name;
+        test::Colour ground, ink;
+        int font;
+        int scale; // whether the picture is enlarged (1), kept (0) or reduced (-1)
+    };
+    const std::vector<Case> cases{
+        {"light, small", white, black, 11, 1},
+        {"dark, small", {30, 30, 30}, {220, 220, 220}, 11, 1},
+        {"dark, good size", {0, 0, 0}, white, 24, 0},
+        {"light, huge", white, black, 160, -1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Canvas canvas(c.font * 28, c.font * 5, c.ground);
+        canvas.text(c.ink, c.font, c.font, "Liberation Sans " + std::to_string(c.font), sentence);
+        canvas.text(c.ink, c.font, c.font * 3, "Liberation Sans " + std::to_string(c.font), sentence);
+        const GrayImage prepared = Preparation::prepare(canvas.grey());
+        EXPECT_EQ(prepared.width > canvas.width() ? 1 : prepared.width < canvas.width() ? -1 : 0,
+                  c.scale);
+        EXPECT_FALSE(Preparation::isDark(prepared));
+        EXPECT_GT(lightShare(prepared, 0, 0, prepared.width, prepared.height, 250), 0.8);
+        EXPECT_LT(darkest(prepared, 0, 0, prepared.width, prepared.height), 60);
+        const double letters = Preparation::letterHeight(prepared);
+        EXPECT_GE(letters, 9);
+        EXPECT_LE(letters, 30);
+    }
+}
+
+} // namespace
+} // namespace lumivale

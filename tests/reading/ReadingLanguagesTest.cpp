@@ -1,0 +1,162 @@
+#include "reading/ReadingLanguages.h"
+
+#include "support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <map>
+#include <optional>
+
+namespace lumivale {
+namespace {
+
+using Tags = std::vector<std::string>;
+
+// Sets (or, with nothing, unsets) environment variables for its lifetime.
+class Environment {
+public:
+    explicit Environment(const std::map<std::string, std::optional<std::string>>& values) {
+        for (const auto& [name, value] : values) {
+            const char* old = std::getenv(name.c_str());
+            saved_[name] = old ? std::optional<std::string>(old) : std::nullopt;
+            set(name, value);
+        }
+    }
+    ~Environment() {
+        for (const auto& [name, value] : saved_)
+            set(name, value);
+    }
+
+private:
+    static void set(const std::string& name, const std::optional<std::string>& value) {
+        if (value)
+            setenv(name.c_str(), value->c_str(), 1);
+        else
+            unsetenv(name.c_str());
+    }
+    std::map<std::string, std::optional<std::string>> saved_;
+};
+
+TEST(ReadingLanguagesTest, DefaultsPutEnglishFirstThenPreferredMatchesAndEastAsianLast) {
+    struct Case {
+        const char* name;
+        Tags preferred, supported, expected;
+    };
+    const std::vector<Case> cases{
+        {"regional variants find their language", {"de-DE", "fr-CH"}, {"en-US", "fr-FR", "de-DE"},
+         {"en-US", "de-DE", "fr-FR"}},
+        {"Japanese goes last", {"ja-JP", "en-GB"}, {"en-US", "ja-JP"}, {"en-US", "ja-JP"}},
+        {"no preference, no English: the first supported", {}, {"fr-FR", "de-DE"}, {"fr-FR"}},
+        {"nothing supported", {"de-DE"}, {}, {}},
+        {"the first of the language wins, even over the exact tag", {"pt-PT"},
+         {"en-US", "pt-BR", "pt-PT"}, {"en-US", "pt-BR"}},
+        {"the exact tag when it comes first", {"pt-PT"}, {"pt-PT", "pt-BR"}, {"pt-PT"}},
+        {"a bare language", {"sv"}, {"en-US", "sv-SE"}, {"en-US", "sv-SE"}},
+        {"a supported bare language", {"sv-FI"}, {"en-US", "sv"}, {"en-US", "sv"}},
+        {"underscores separate too", {"nl_BE"}, {"en-US", "nl-NL"}, {"en-US", "nl-NL"}},
+        {"each tag once", {"de-AT", "de-CH", "en-US"}, {"en-US", "de-DE"}, {"en-US", "de-DE"}},
+        {"unsupported preferences are dropped", {"xx-YY", "fi-FI"}, {"en-US", "fi-FI"},
+         {"en-US", "fi-FI"}},
+        {"no prefix match across languages", {"e"}, {"es-ES"}, {"es-ES"}},
+        {"Chinese, Japanese and Korean keep their order after the rest",
+         {"ko-KR", "zh-Hant", "ru-RU", "ja-JP"}, {"ja-JP", "ko-KR", "zh-Hant", "ru-RU"},
+         {"ru-RU", "ko-KR", "zh-Hant", "ja-JP"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(ReadingLanguages::defaults(c.preferred, c.supported), c.expected);
+    }
+}
+
+TEST(ReadingLanguagesTest, PreferredComesFromLanguageElseTheLocale) {
+    struct Case {
+        const char* name;
+        std::optional<std::string> language, all, messages, lang;
+        Tags expected;
+    };
+    const std::nullopt_t none = std::nullopt;
+    const std::vector<Case> cases{
+        {"LANGUAGE lists several", "de_DE.UTF-8:fr_CH:en", "C.UTF-8", none, none,
+         {"de-DE", "fr-CH", "en"}},
+        {"empty entries of LANGUAGE are skipped", ":pt_BR::", none, none, none, {"pt-BR"}},
+        {"empty LANGUAGE: LC_ALL", "", "de_DE.UTF-8", "fr_FR.UTF-8", "es_ES.UTF-8", {"de-DE"}},
+        {"LC_MESSAGES after LC_ALL", none, none, "pt_BR.UTF-8", "es_ES.UTF-8", {"pt-BR"}},
+        {"LANG last", none, "", "", "sv_SE.ISO-8859-1", {"sv-SE"}},
+        {"a modifier goes", none, none, none, "sr_RS@latin", {"sr-RS"}},
+        {"C names no language, and hides LANG", none, "C", none, "de_DE.UTF-8", {}},
+        {"POSIX neither", none, none, "POSIX", "de_DE.UTF-8", {}},
+        {"C.UTF-8 neither", none, "C.UTF-8", none, none, {}},
+        {"nothing set", none, none, none, none, {}},
+        {"LANGUAGE of C only: the locale", "C", "it_IT.UTF-8", none, none, {"it-IT"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Environment env({{"LANGUAGE", c.language},
+                               {"LC_ALL", c.all},
+                               {"LC_MESSAGES", c.messages},
+                               {"LANG", c.lang}});
+        EXPECT_EQ(ReadingLanguages::preferred(), c.expected);
+    }
+}
+
+// A model folder holding empty files of these names.
+std::string modelFolder(const test::TempDir& dir, const std::vector<std::string>& files) {
+    for (const auto& file : files)
+        test::writeFile(dir.file("tessdata/" + file), "");
+    std::filesystem::create_directories(dir.file("tessdata"));
+    return dir.file("tessdata");
+}
+
+TEST(ReadingLanguagesTest, SupportedListsTheInstalledModelsWithKnownTags) {
+    struct Case {
+        const char* name;
+        std::vector<std::string> files;
+        Tags expected;
+    };
+    const std::vector<Case> cases{
+        {"known models in the table's order, helpers and strangers skipped",
+         {"chi_sim.traineddata", "deu.traineddata", "eng.traineddata", "osd.traineddata",
+          "equ.traineddata", "xyz.traineddata", "fra.txt", "kor.traineddata"},
+         {"en-US", "de-DE", "zh-Hans", "ko-KR"}},
+        {"no English", {"ukr.traineddata"}, {"uk-UA"}},
+        {"no model: English", {"osd.traineddata", "readme"}, {"en-US"}},
+        {"empty folder: English", {}, {"en-US"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        test::TempDir dir;
+        const Environment env({{"TESSDATA_PREFIX", modelFolder(dir, c.files)}});
+        EXPECT_EQ(ReadingLanguages::supported(), c.expected);
+    }
+    const Environment missing({{"TESSDATA_PREFIX", std::string("/nonexistent/tessdata")}});
+    EXPECT_EQ(ReadingLanguages::supported(), Tags{"en-US"});
+}
+
+TEST(ReadingLanguagesTest, ModelsJoinTheInstalledModelsOfTheTags) {
+    test::TempDir dir;
+    const Environment env({{"TESSDATA_PREFIX",
+                            modelFolder(dir, {"eng.traineddata", "deu.traineddata",
+                                              "chi_tra.traineddata"})}});
+    struct Case {
+        const char* name;
+        Tags tags;
+        std::string expected;
+    };
+    const std::vector<Case> cases{
+        {"in the given order", {"de-DE", "en-US"}, "deu+eng"},
+        {"a region of a known language", {"en-US", "de-AT"}, "eng+deu"},
+        {"each model once", {"en-US", "en-GB", "de-DE", "de-CH"}, "eng+deu"},
+        {"not installed: left out", {"fr-FR", "zh-Hant"}, "chi_tra"},
+        {"nothing installed: English", {"fr-FR"}, "eng"},
+        {"unknown tags", {"tlh", ""}, "eng"},
+        {"no tags", {}, "eng"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(ReadingLanguages::models(c.tags), c.expected);
+    }
+}
+
+} // namespace
+} // namespace lumivale
