@@ -1,6 +1,7 @@
 #include "app/AppModel.h"
 
 #include "AppTestSupport.h"
+#include "reading/Reader.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
