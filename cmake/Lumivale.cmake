@@ -17,8 +17,9 @@ function(lumivale_layer name)
 endfunction()
 
 # lumivale_add_test(NAME SOURCES... LIBS...): one GoogleTest executable, its cases listed in CTest.
-# Every test runs in a private temporary home with a non-UTC time zone and a UTF-8 locale
-# (set up by the shared test main).
+# Every test runs in a private temporary home with a non-UTC time zone, a UTF-8 locale and Qt's
+# offscreen platform, all set up by the shared test main (so a test program run by hand behaves
+# as it does under CTest).
 function(lumivale_add_test name)
   cmake_parse_arguments(T "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${T_SOURCES})
@@ -26,6 +27,5 @@ function(lumivale_add_test name)
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
-    PROPERTIES ENVIRONMENT "TZ=Asia/Kolkata;LANG=C.UTF-8;LC_ALL=C.UTF-8;QT_QPA_PLATFORM=offscreen;OMP_THREAD_LIMIT=1;LUMIVALE_SOURCE_DIR=${PROJECT_SOURCE_DIR};LUMIVALE_BINARY_DIR=${PROJECT_BINARY_DIR}"
-               TIMEOUT 300)
+    PROPERTIES TIMEOUT 300)
 endfunction()

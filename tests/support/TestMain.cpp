@@ -32,6 +32,7 @@ int main(int argc, char** argv) {
         setenv("TZ", "Asia/Kolkata", 1);
     tzset();
     setenv("LC_ALL", "C.UTF-8", 0);
+    setenv("QT_QPA_PLATFORM", "offscreen", 0);
     std::setlocale(LC_ALL, "C.UTF-8");
 
     ::testing::InitGoogleTest(&argc, argv);
