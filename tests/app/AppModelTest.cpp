@@ -181,9 +181,11 @@ TEST_F(AppModelTest, aBurstOfFileEventsCausesOneRescanAfterTheQuiet) {
     int scans = 0;
     QObject::connect(&model, &AppModel::scanningChanged, [&] { scans += model.scanning(); });
     for (int i = 0; i < 3; ++i) {
+        const int before = scheduler_->created();
         test::writeFile(shot("new " + std::to_string(i) + ".png"), "x");
-        for (int spin = 0; spin < 50 && scheduler_->pending().empty(); ++spin)
+        for (int spin = 0; spin < 100 && scheduler_->created() == before; ++spin)
             QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+        ASSERT_GT(scheduler_->created(), before) << "the watcher saw the new file";
         scheduler_->advance(500ms);
     }
     ASSERT_EQ(scheduler_->pending().size(), 1u) << "each event restarts the one pending rescan";

@@ -45,8 +45,12 @@ public:
         entry->run = std::move(run);
         entry->context = context;
         entries_.push_back(entry);
+        ++created_;
         return entry;
     }
+
+    // How many calls were ever asked for.
+    int created() const { return created_; }
 
     // Moves time on, running every call that falls due, in order.
     void advance(std::chrono::milliseconds by) {
@@ -79,6 +83,7 @@ public:
 
 private:
     std::chrono::milliseconds now_{0};
+    int created_ = 0;
     std::vector<std::shared_ptr<Entry>> entries_;
 };
 
