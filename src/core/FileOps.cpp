@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <unistd.h>
+#include <utility>
 
 namespace lumivale {
 namespace {
@@ -26,9 +27,16 @@ Status writeAll(int fd, std::string_view bytes, const WriteCall& write) {
             return Status::failure(describeErrno(n < 0 ? errno : EIO), n < 0 ? errno : EIO);
         done += static_cast<size_t>(n);
     }
-    if (fsync(fd) != 0)
-        return Status::failure(describeErrno(errno), errno);
     return Status::ok();
+}
+
+Status syncAndClose(int fd) {
+    Status status = Status::ok();
+    if (fsync(fd) != 0)
+        status = Status::failure(describeErrno(errno), errno);
+    if (close(fd) != 0 && status)
+        status = Status::failure(describeErrno(errno), errno);
+    return status;
 }
 
 void syncFolder(const std::string& folder) {
@@ -52,24 +60,53 @@ Status makeFolders(const std::string& path) {
 }
 
 Status writeAtomically(const std::string& path, std::string_view bytes, const WriteCall& write) {
-    const std::string folder = parentOf(path);
-    if (Status made = makeFolders(folder); !made)
-        return made;
-    std::string temporary = path + ".XXXXXX";
-    const int fd = mkostemp(temporary.data(), O_CLOEXEC);
-    if (fd < 0)
-        return Status::failure(describeErrno(errno), errno);
-    Status written = writeAll(fd, bytes, write);
-    if (close(fd) != 0 && written)
-        written = Status::failure(describeErrno(errno), errno);
-    if (written && rename(temporary.c_str(), path.c_str()) != 0)
-        written = Status::failure(describeErrno(errno), errno);
-    if (!written) {
-        unlink(temporary.c_str());
-        return written;
+    AtomicFile file(path, write);
+    file.append(bytes);
+    return file.commit();
+}
+
+AtomicFile::AtomicFile(std::string path, WriteCall write)
+    : path_(std::move(path)), temporary_(path_ + ".XXXXXX"), write_(std::move(write)) {
+    status_ = makeFolders(parentOf(path_));
+    if (!status_)
+        return;
+    fd_ = mkostemp(temporary_.data(), O_CLOEXEC);
+    if (fd_ < 0)
+        status_ = Status::failure(describeErrno(errno), errno);
+}
+
+AtomicFile::~AtomicFile() {
+    if (fd_ >= 0) {
+        close(fd_);
+        unlink(temporary_.c_str());
     }
-    syncFolder(folder);
-    return Status::ok();
+}
+
+Status AtomicFile::append(std::string_view bytes) {
+    if (!status_)
+        return status_;
+    status_ = writeAll(fd_, bytes, write_);
+    if (status_) {
+        // Start the disk on these bytes now, so the flush at the end has little left to wait for.
+        sync_file_range(fd_, static_cast<off_t>(written_), static_cast<off_t>(bytes.size()),
+                        SYNC_FILE_RANGE_WRITE);
+        written_ += bytes.size();
+    }
+    return status_;
+}
+
+Status AtomicFile::commit() {
+    if (!status_)
+        return status_;
+    status_ = syncAndClose(std::exchange(fd_, -1));
+    if (status_ && rename(temporary_.c_str(), path_.c_str()) != 0)
+        status_ = Status::failure(describeErrno(errno), errno);
+    if (!status_) {
+        unlink(temporary_.c_str());
+        return status_;
+    }
+    syncFolder(parentOf(path_));
+    return status_;
 }
 
 Status writeNew(const std::string& path, std::string_view bytes, const WriteCall& write) {
@@ -77,8 +114,10 @@ Status writeNew(const std::string& path, std::string_view bytes, const WriteCall
     if (fd < 0)
         return Status::failure(describeErrno(errno), errno);
     Status written = writeAll(fd, bytes, write);
-    if (close(fd) != 0 && written)
-        written = Status::failure(describeErrno(errno), errno);
+    if (written)
+        written = syncAndClose(fd);
+    else
+        close(fd);
     if (!written) {
         unlink(path.c_str());
         return written;

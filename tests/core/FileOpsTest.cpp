@@ -78,6 +78,41 @@ TEST(FileOpsTest, AFailedAtomicWriteOfANewFileLeavesNothing) {
     EXPECT_TRUE(namesIn(dir.str()).empty());
 }
 
+TEST(FileOpsTest, AnAtomicFileWrittenInPiecesReplacesTheFileOnCommit) {
+    const test::TempDir dir;
+    const std::string file = test::writeFile(dir.file("library.plist"), before);
+    {
+        AtomicFile out(file);
+        for (int i = 0; i < 5; ++i)
+            ASSERT_TRUE(out.append(after));
+        EXPECT_EQ(test::readFile(file), before) << "untouched until committed";
+        ASSERT_TRUE(out.commit());
+    }
+    EXPECT_EQ(test::readFile(file), after + after + after + after + after);
+    EXPECT_EQ(namesIn(dir.str()), std::set<std::string>{"library.plist"});
+}
+
+TEST(FileOpsTest, AnAtomicFileThatFailsOrIsAbandonedLeavesTheOldFile) {
+    const test::TempDir dir;
+    const std::string file = test::writeFile(dir.file("library.plist"), before);
+    {
+        AtomicFile out(file, failingAfter(2 * after.size() + 10));
+        EXPECT_TRUE(out.append(after));
+        EXPECT_TRUE(out.append(after));
+        EXPECT_EQ(out.append(after).code(), ENOSPC);
+        EXPECT_EQ(out.append("more").code(), ENOSPC) << "the first failure stays";
+        EXPECT_EQ(out.commit().code(), ENOSPC);
+    }
+    EXPECT_EQ(test::readFile(file), before);
+    EXPECT_EQ(namesIn(dir.str()), std::set<std::string>{"library.plist"});
+    {
+        AtomicFile out(file);
+        EXPECT_TRUE(out.append(after));
+    }
+    EXPECT_EQ(test::readFile(file), before) << "never committed";
+    EXPECT_EQ(namesIn(dir.str()), std::set<std::string>{"library.plist"});
+}
+
 TEST(FileOpsTest, WriteNewRefusesAnExistingFile) {
     const test::TempDir dir;
     const std::string file = test::writeFile(dir.file("journal.plist"), before);

@@ -92,6 +92,24 @@ TEST(LibraryFileTest, SavesAndLoadsEveryField) {
     EXPECT_TRUE(empty->extraFolders.empty());
 }
 
+TEST(LibraryFileTest, ALargeLibraryComesBackWhole) {
+    // Several megabytes and thousands of shots, so the file is written and read in many pieces.
+    Library library;
+    for (int i = 0; i < 6000; ++i) {
+        Shot shot = unreadShot("/home/me/Pictures/Screenshots/Screen " + std::to_string(i) + ".png");
+        shot.setLines({{"Überweisung " + std::to_string(i * 37) + " EUR an Zoë", 0.1f, 0.9f, 0.5f, 0.02f},
+                       {"line two of shot " + std::to_string(i), 0.1f, 0.8f, 0.4f, 0.02f}});
+        shot.readAt = shot.created + seconds(i);
+        library.put(std::move(shot));
+    }
+    const test::TempDir dir;
+    ASSERT_TRUE(library.save(dir.file("library.plist")));
+    EXPECT_GT(std::filesystem::file_size(dir.file("library.plist")), 2u << 20);
+    const auto loaded = Library::load(dir.file("library.plist"));
+    ASSERT_TRUE(loaded);
+    expectSameLibrary(*loaded, library);
+}
+
 TEST(LibraryFileTest, TheSameLibraryGivesTheSameBytes) {
     const test::TempDir dir;
     Library library = sampleLibrary();
@@ -279,7 +297,10 @@ with open(sys.argv[1], "wb") as f:
 struct Builder {
     plist::Writer writer;
     Ref newest = 0;
-    Ref note(Ref r) { return newest = std::max(newest, r); }
+    Ref note(Ref r) {
+        newest = std::max(newest, r);
+        return r;
+    }
 };
 // Writes one value; an empty Put stands for the container that holds it.
 using Put = std::function<Ref(Builder&)>;
@@ -485,6 +506,8 @@ TEST(LibraryFileTest, DamagedFilesLoadAsNothing) {
     const test::TempDir dir;
     EXPECT_FALSE(Library::load(dir.file("missing.plist")));
     EXPECT_FALSE(Library::load(dir.str())) << "a folder";
+    ASSERT_EQ(mkfifo(dir.file("pipe.plist").c_str(), 0600), 0);
+    EXPECT_FALSE(Library::load(dir.file("pipe.plist"))) << "a pipe, without waiting for a writer";
     if (!test::runningAsRoot()) {
         const std::string locked = test::writeFile(dir.file("locked.plist"), sound);
         chmod(locked.c_str(), 0);

@@ -201,6 +201,54 @@ TEST(PlistTest, KeysAreWrittenOnce) {
     }
 }
 
+TEST(PlistTest, NumbersAndBooleansAreShared) {
+    Writer writer;
+    EXPECT_EQ(writer.integer(70000), writer.integer(70000));
+    EXPECT_EQ(writer.real(0.25), writer.real(0.25));
+    EXPECT_NE(writer.real(0.0), writer.real(-0.0));
+    EXPECT_NE(writer.real(1), writer.integer(1));
+    EXPECT_EQ(writer.boolean(false), writer.boolean(false));
+    EXPECT_NE(writer.boolean(false), writer.boolean(true));
+    // Enough distinct numbers to make the table of known numbers grow several times.
+    std::vector<Ref> refs;
+    for (int i = 0; i < 5000; ++i)
+        refs.push_back(i % 2 ? writer.real(i / 7.0) : writer.integer(i * 1000003LL));
+    for (int i = 0; i < 5000; ++i)
+        ASSERT_EQ(refs[i], i % 2 ? writer.real(i / 7.0) : writer.integer(i * 1000003LL)) << i;
+    const std::string file = writer.finish(writer.array(refs));
+    const auto doc = Document::open(spanOf(file));
+    ASSERT_TRUE(doc);
+    for (int i = 0; i < 5000; ++i)
+        if (i % 2)
+            ASSERT_EQ(doc->real(refs[i]), i / 7.0) << i;
+        else
+            ASSERT_EQ(doc->integer(refs[i]), i * 1000003LL) << i;
+}
+
+TEST(PlistTest, AWriterWithASinkGivesTheSameFileInPieces) {
+    const auto build = [](Writer& writer) {
+        std::vector<Ref> refs;
+        for (int i = 0; i < 40000; ++i)
+            refs.push_back(writer.string("line " + std::to_string(i) + " with a café and some more words"));
+        return writer.finish(writer.array(refs));
+    };
+    Writer whole;
+    const std::string expected = build(whole);
+    ASSERT_GT(expected.size(), 3u << 20);
+
+    std::vector<size_t> pieces;
+    std::string joined;
+    Writer piecewise([&](std::string_view piece) {
+        pieces.push_back(piece.size());
+        joined += piece;
+    });
+    joined += build(piecewise);
+    EXPECT_EQ(joined, expected);
+    ASSERT_GE(pieces.size(), 3u);
+    for (size_t size : pieces)
+        EXPECT_LT(size, 2u << 20) << "pieces stay small";
+}
+
 TEST(PlistTest, ContainersKeepOrderAndNesting) {
     Writer writer;
     const Ref one = writer.integer(1), two = writer.string("two");
