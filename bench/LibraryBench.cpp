@@ -11,10 +11,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <random>
-#include <ctime>
 #include <string>
 #include <unistd.h>
 
@@ -42,20 +42,19 @@ struct Stopwatch {
 long long peakMemory() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);)
-        if (line.rfind("VmHWM:", 0) == 0)
-            return std::atoll(line.c_str() + 6) * 1024;
+        if (line.rfind("VmHWM:", 0) == 0) return std::atoll(line.c_str() + 6) * 1024;
     return -1;
 }
 
 // A line of about 40 characters, as a receipt or a chat in several languages reads.
 std::string lineText(std::mt19937& random) {
-    static const char* words[] = {"Rechnung", "Überweisung", "Größe", "número", "señor", "reçu", "café",
-                                  "paiement", "Gesamt", "total", "EUR", "Kreditkarte", "déjà", "Straße",
-                                  "Zürich", "ticket", "Bestätigung", "mañana", "Århus", "crème"};
+    static const char* words[] = {"Rechnung", "Überweisung", "Größe",    "número", "señor",
+                                  "reçu",     "café",        "paiement", "Gesamt", "total",
+                                  "EUR",      "Kreditkarte", "déjà",     "Straße", "Zürich",
+                                  "ticket",   "Bestätigung", "mañana",   "Århus",  "crème"};
     std::string text;
     while (text.size() < 40) {
-        if (!text.empty())
-            text += ' ';
+        if (!text.empty()) text += ' ';
         if (random() % 3 == 0)
             text += std::to_string(random() % 100000) + "," + std::to_string(10 + random() % 90);
         else
@@ -70,8 +69,10 @@ Library buildLibrary(int count) {
     Library library;
     library.shots.reserve(count);
     for (int i = 0; i < count; ++i) {
-        Shot shot("/home/me/Pictures/Screenshots/Screenshot 2024-03-05 at 10.11." + std::to_string(i) + ".png",
-                  200000 + random() % 800000, base - std::chrono::seconds(i), base - std::chrono::seconds(i));
+        Shot shot("/home/me/Pictures/Screenshots/Screenshot 2024-03-05 at 10.11." +
+                      std::to_string(i) + ".png",
+                  200000 + random() % 800000, base - std::chrono::seconds(i),
+                  base - std::chrono::seconds(i));
         std::vector<TextLine> lines;
         for (int l = 0; l < 20; ++l)
             lines.push_back({lineText(random), 0.05f + l * 0.001f, 1.0f - l * 0.045f,
@@ -81,10 +82,8 @@ Library buildLibrary(int count) {
         shot.pixelHeight = 2532;
         shot.guess = allShelves[random() % allShelves.size()];
         shot.guessScore = (random() % 1000) / 100.0;
-        if (i % 7 == 0)
-            shot.manual = Shelf::other;
-        if (i % 11 == 0)
-            shot.flags = {SensitiveKind::cardNumber};
+        if (i % 7 == 0) shot.manual = Shelf::other;
+        if (i % 11 == 0) shot.flags = {SensitiveKind::cardNumber};
         shot.readAt = base;
         shot.reader = 3;
         library.put(std::move(shot));
@@ -131,14 +130,14 @@ int main(int argc, char** argv) {
     std::string writeOnly;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
-        if (arg == "--load-only" && i + 1 < argc)
-            return loadOnly(argv[++i]);
+        if (arg == "--load-only" && i + 1 < argc) return loadOnly(argv[++i]);
         if (arg == "--write-only" && i + 1 < argc)
             writeOnly = argv[++i];
         else if (arg == "--shots" && i + 1 < argc)
             count = std::atoi(argv[++i]);
         else {
-            std::fprintf(stderr, "usage: %s [--shots N] [--write-only FILE] [--load-only FILE]\n", argv[0]);
+            std::fprintf(stderr, "usage: %s [--shots N] [--write-only FILE] [--load-only FILE]\n",
+                         argv[0]);
             return 2;
         }
     }
@@ -146,18 +145,16 @@ int main(int argc, char** argv) {
     std::printf("building %d read shots of 20 lines...\n", count);
     std::fflush(stdout);
     const Library library = buildLibrary(count);
-    if (!writeOnly.empty())
-        return library.save(writeOnly) ? 0 : 1;
+    if (!writeOnly.empty()) return library.save(writeOnly) ? 0 : 1;
 
     // Once into memory (no disk: the encoding and copying alone), then onto the disk.
-    const std::string memory = makeFolder("/dev/shm"), folder = makeFolder(std::filesystem::temp_directory_path());
-    if (memory.empty() || folder.empty())
-        return 1;
+    const std::string memory = makeFolder("/dev/shm"),
+                      folder = makeFolder(std::filesystem::temp_directory_path());
+    if (memory.empty() || folder.empty()) return 1;
     timeSave(library, memory, "into memory (/dev/shm):");
     std::filesystem::remove_all(memory);
     const long long fileSize = timeSave(library, folder, "onto disk (target 1.5 s):");
-    if (fileSize < 0)
-        return 1;
+    if (fileSize < 0) return 1;
 
     // A fresh process, so the library built here does not count towards the peak.
     const std::string command = "'" + std::filesystem::read_symlink("/proc/self/exe").string() +
@@ -168,15 +165,14 @@ int main(int argc, char** argv) {
     long long peak = -1;
     if (!child || std::fscanf(child, "%lf %lf %zu %lld", &loadWall, &loadCpu, &loaded, &peak) != 4)
         std::fprintf(stderr, "the loading process failed\n");
-    if (child)
-        pclose(child);
+    if (child) pclose(child);
     std::filesystem::remove_all(folder);
 
     const double mb = 1024.0 * 1024.0;
-    std::printf("load (target 1.5 s)            %.3f s (processor %.3f s), %zu shots\n", loadWall, loadCpu,
-                loaded);
+    std::printf("load (target 1.5 s)            %.3f s (processor %.3f s), %zu shots\n", loadWall,
+                loadCpu, loaded);
     std::printf("file size                      %.1f MiB\n", fileSize / mb);
-    std::printf("peak memory after load         %.1f MiB = %.2f x file size (target 2)\n", peak / mb,
-                static_cast<double>(peak) / static_cast<double>(fileSize));
+    std::printf("peak memory after load         %.1f MiB = %.2f x file size (target 2)\n",
+                peak / mb, static_cast<double>(peak) / static_cast<double>(fileSize));
     return loaded == static_cast<size_t>(count) ? 0 : 1;
 }

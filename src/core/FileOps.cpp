@@ -12,8 +12,7 @@ namespace {
 
 std::string parentOf(const std::string& path) {
     const auto slash = path.rfind('/');
-    if (slash == std::string::npos)
-        return ".";
+    if (slash == std::string::npos) return ".";
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
@@ -21,10 +20,8 @@ Status writeAll(int fd, std::string_view bytes, const WriteCall& write) {
     size_t done = 0;
     while (done < bytes.size()) {
         const ssize_t n = write(fd, bytes.data() + done, bytes.size() - done);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return Status::failure(describeErrno(n < 0 ? errno : EIO), n < 0 ? errno : EIO);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return Status::failure(describeErrno(n < 0 ? errno : EIO), n < 0 ? errno : EIO);
         done += static_cast<size_t>(n);
     }
     return Status::ok();
@@ -32,10 +29,8 @@ Status writeAll(int fd, std::string_view bytes, const WriteCall& write) {
 
 Status syncAndClose(int fd) {
     Status status = Status::ok();
-    if (fsync(fd) != 0)
-        status = Status::failure(describeErrno(errno), errno);
-    if (close(fd) != 0 && status)
-        status = Status::failure(describeErrno(errno), errno);
+    if (fsync(fd) != 0) status = Status::failure(describeErrno(errno), errno);
+    if (close(fd) != 0 && status) status = Status::failure(describeErrno(errno), errno);
     return status;
 }
 
@@ -49,13 +44,14 @@ void syncFolder(const std::string& folder) {
 
 } // namespace
 
-ssize_t systemWrite(int fd, const void* data, size_t length) { return ::write(fd, data, length); }
+ssize_t systemWrite(int fd, const void* data, size_t length) {
+    return ::write(fd, data, length);
+}
 
 Status makeFolders(const std::string& path) {
     std::error_code ec;
     std::filesystem::create_directories(path, ec);
-    if (ec)
-        return Status::failure(ec.message(), ec.value());
+    if (ec) return Status::failure(ec.message(), ec.value());
     return Status::ok();
 }
 
@@ -68,11 +64,9 @@ Status writeAtomically(const std::string& path, std::string_view bytes, const Wr
 AtomicFile::AtomicFile(std::string path, WriteCall write)
     : path_(std::move(path)), temporary_(path_ + ".XXXXXX"), write_(std::move(write)) {
     status_ = makeFolders(parentOf(path_));
-    if (!status_)
-        return;
+    if (!status_) return;
     fd_ = mkostemp(temporary_.data(), O_CLOEXEC);
-    if (fd_ < 0)
-        status_ = Status::failure(describeErrno(errno), errno);
+    if (fd_ < 0) status_ = Status::failure(describeErrno(errno), errno);
 }
 
 AtomicFile::~AtomicFile() {
@@ -83,8 +77,7 @@ AtomicFile::~AtomicFile() {
 }
 
 Status AtomicFile::append(std::string_view bytes) {
-    if (!status_)
-        return status_;
+    if (!status_) return status_;
     status_ = writeAll(fd_, bytes, write_);
     if (status_) {
         // Start the disk on these bytes now, so the flush at the end has little left to wait for.
@@ -96,8 +89,7 @@ Status AtomicFile::append(std::string_view bytes) {
 }
 
 Status AtomicFile::commit() {
-    if (!status_)
-        return status_;
+    if (!status_) return status_;
     status_ = syncAndClose(std::exchange(fd_, -1));
     if (status_ && rename(temporary_.c_str(), path_.c_str()) != 0)
         status_ = Status::failure(describeErrno(errno), errno);
@@ -111,8 +103,7 @@ Status AtomicFile::commit() {
 
 Status writeNew(const std::string& path, std::string_view bytes, const WriteCall& write) {
     const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-    if (fd < 0)
-        return Status::failure(describeErrno(errno), errno);
+    if (fd < 0) return Status::failure(describeErrno(errno), errno);
     Status written = writeAll(fd, bytes, write);
     if (written)
         written = syncAndClose(fd);

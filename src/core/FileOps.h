@@ -19,12 +19,13 @@ ssize_t systemWrite(int fd, const void* data, size_t length);
 // Replaces the file at `path` with `bytes` or leaves it as it was: a temporary file in the same
 // folder is written, flushed, renamed over the target, and the folder is flushed. Makes the
 // folder (and its parents) first.
-Status writeAtomically(const std::string& path, std::string_view bytes, const WriteCall& write = systemWrite);
+Status writeAtomically(const std::string& path, std::string_view bytes,
+                       const WriteCall& write = systemWrite);
 
 // The same atomic replacement for a file written in pieces, so a large file never has to sit in
 // memory whole. The disk starts on each piece as it comes, while the next one is made.
 class AtomicFile {
-public:
+  public:
     // Makes the folder and opens a temporary file beside `path`.
     explicit AtomicFile(std::string path, WriteCall write = systemWrite);
     // Removes the temporary file unless it was committed.
@@ -37,7 +38,7 @@ public:
     // Flushes the file and renames it over `path`; the first failure of any step, if one came.
     Status commit();
 
-private:
+  private:
     std::string path_, temporary_;
     WriteCall write_;
     int fd_ = -1;
@@ -47,7 +48,8 @@ private:
 
 // Writes a new file that must not exist yet (O_CREAT | O_EXCL), flushed to disk. On failure
 // nothing is left at `path` except a file that was already there.
-Status writeNew(const std::string& path, std::string_view bytes, const WriteCall& write = systemWrite);
+Status writeNew(const std::string& path, std::string_view bytes,
+                const WriteCall& write = systemWrite);
 
 // Makes a folder and its missing parents.
 Status makeFolders(const std::string& path);

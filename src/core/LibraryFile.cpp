@@ -25,21 +25,20 @@ using plist::Writer;
 // is Lumivale's own and is only ever replaced by renaming a new file over it, never rewritten in
 // place, so the file mapped here keeps its size.
 class MappedFile {
-public:
+  public:
     // The whole file, or null when it cannot be opened, is not a regular file, or is empty.
     static std::unique_ptr<MappedFile> open(const std::string& path) {
         // Non-blocking, so a pipe put where the file should be cannot hang the start.
         const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-        if (fd < 0)
-            return nullptr;
+        if (fd < 0) return nullptr;
         struct stat info {};
         void* at = MAP_FAILED;
         if (fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0)
             at = mmap(nullptr, static_cast<size_t>(info.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
         close(fd);
-        if (at == MAP_FAILED)
-            return nullptr;
-        return std::unique_ptr<MappedFile>(new MappedFile(static_cast<uint8_t*>(at), static_cast<size_t>(info.st_size)));
+        if (at == MAP_FAILED) return nullptr;
+        return std::unique_ptr<MappedFile>(
+            new MappedFile(static_cast<uint8_t*>(at), static_cast<size_t>(info.st_size)));
     }
     ~MappedFile() { munmap(data_, size_); }
     MappedFile(const MappedFile&) = delete;
@@ -49,7 +48,7 @@ public:
     // Lets go of the pages read so far; any needed again are read back from the file.
     void release() const { madvise(data_, size_, MADV_DONTNEED); }
 
-private:
+  private:
     MappedFile(uint8_t* data, size_t size) : data_(data), size_(size) {}
     uint8_t* data_;
     size_t size_;
@@ -60,14 +59,12 @@ constexpr size_t kShotsPerRelease = 2048;
 
 std::optional<std::vector<std::string>> readPaths(const Document& doc, std::optional<Ref> ref) {
     const auto items = ref ? doc.array(*ref) : std::nullopt;
-    if (!items)
-        return std::nullopt;
+    if (!items) return std::nullopt;
     std::vector<std::string> paths;
     paths.reserve(items->size());
     for (Ref item : *items) {
         auto path = doc.string(item);
-        if (!path)
-            return std::nullopt;
+        if (!path) return std::nullopt;
         paths.push_back(std::move(*path));
     }
     return paths;
@@ -95,18 +92,15 @@ std::optional<Library> Library::load(const std::string& file) {
     const auto mapped = MappedFile::open(file);
     const auto doc = mapped ? Document::open(mapped->bytes()) : std::nullopt;
     const auto top = doc ? doc->dict(doc->root()) : std::nullopt;
-    if (!top)
-        return std::nullopt;
+    if (!top) return std::nullopt;
     const auto versionRef = top->find("version");
     const auto version = versionRef ? doc->integer(*versionRef) : std::nullopt;
-    if (version != currentVersion)
-        return std::nullopt;
+    if (version != currentVersion) return std::nullopt;
     const auto shotsRef = top->find("shots");
     const auto shots = shotsRef ? doc->dict(*shotsRef) : std::nullopt;
     auto extraFolders = readPaths(*doc, top->find("extraFolders"));
     auto skippedFolders = readPaths(*doc, top->find("skippedFolders"));
-    if (!shots || !extraFolders || !skippedFolders)
-        return std::nullopt;
+    if (!shots || !extraFolders || !skippedFolders) return std::nullopt;
 
     Library library;
     library.extraFolders = std::move(*extraFolders);
@@ -116,16 +110,13 @@ std::optional<Library> Library::load(const std::string& file) {
         auto shot = readShot(*doc, shots->valueAt(i));
         // A shot filed under another path than its own, or a path filed twice, means the file
         // was not written by this program: it is not trusted as a whole.
-        if (!shot || !doc->keyEquals(shots->keyAt(i), shot->path))
-            return std::nullopt;
+        if (!shot || !doc->keyEquals(shots->keyAt(i), shot->path)) return std::nullopt;
         std::string key = shot->path;
         auto value = std::make_shared<const Shot>(std::move(*shot));
-        if (!library.shots.emplace(std::move(key), std::move(value)).second)
-            return std::nullopt;
+        if (!library.shots.emplace(std::move(key), std::move(value)).second) return std::nullopt;
         // The file is given back as it is decoded, so memory holds the shots and not the
         // file as well.
-        if (i % kShotsPerRelease == kShotsPerRelease - 1)
-            mapped->release();
+        if (i % kShotsPerRelease == kShotsPerRelease - 1) mapped->release();
     }
     return library;
 }

@@ -66,12 +66,9 @@ void appendBigEndian(std::string& out, uint64_t v, size_t n) {
 
 // The fewest of 1, 2, 4 or 8 bytes that hold `v`, as the power of two the format stores.
 uint8_t widthLog2(uint64_t v) {
-    if (v <= 0xFF)
-        return 0;
-    if (v <= 0xFFFF)
-        return 1;
-    if (v <= 0xFFFFFFFF)
-        return 2;
+    if (v <= 0xFF) return 0;
+    if (v <= 0xFFFF) return 1;
+    if (v <= 0xFFFFFFFF) return 2;
     return 3;
 }
 
@@ -132,7 +129,9 @@ size_t toUtf16(std::string_view s, char* out) {
 // Decodes `count` big-endian UTF-16 units as UTF-8 into `out`, which has room for three bytes a
 // unit; the length written, or nothing on an unpaired surrogate.
 std::optional<size_t> fromUtf16(const uint8_t* p, uint64_t count, char* out) {
-    const auto unit = [p](uint64_t i) -> char32_t { return (char32_t(p[2 * i]) << 8) | p[2 * i + 1]; };
+    const auto unit = [p](uint64_t i) -> char32_t {
+        return (char32_t(p[2 * i]) << 8) | p[2 * i + 1];
+    };
     // Four units at once are ASCII when every high byte is zero and every low byte below 0x80.
     constexpr uint64_t nonAscii =
         std::endian::native == std::endian::little ? 0x80FF80FF80FF80FF : 0xFF80FF80FF80FF80;
@@ -154,8 +153,7 @@ std::optional<size_t> fromUtf16(const uint8_t* p, uint64_t count, char* out) {
             continue;
         }
         if ((cp & 0xF800) == 0xD800) {
-            if (cp >= 0xDC00 || i >= count || (unit(i) & 0xFC00) != 0xDC00)
-                return std::nullopt;
+            if (cp >= 0xDC00 || i >= count || (unit(i) & 0xFC00) != 0xDC00) return std::nullopt;
             cp = 0x10000 + ((cp - 0xD800) << 10) + (unit(i++) - 0xDC00);
         }
         if (cp < 0x800) {
@@ -181,19 +179,15 @@ double secondsSince2001(Date d) {
 }
 
 std::optional<Date> dateFromSince2001(double seconds) {
-    if (!std::isfinite(seconds))
-        return std::nullopt;
+    if (!std::isfinite(seconds)) return std::nullopt;
     double whole = std::floor(seconds);
     int64_t micros = std::llround((seconds - whole) * 1e6);
-    if (micros == 1'000'000)
-        whole += 1, micros = 0;
+    if (micros == 1'000'000) whole += 1, micros = 0;
     const double since1970 = whole + static_cast<double>(kEpochOffset);
     // Date spans about ±9.22e9 seconds around 1970.
     constexpr double limit = 9.3e9;
-    if (since1970 >= limit)
-        return Date::max();
-    if (since1970 <= -limit)
-        return Date::min();
+    if (since1970 >= limit) return Date::max();
+    if (since1970 <= -limit) return Date::min();
     int64_t ns = 0;
     if (__builtin_mul_overflow(static_cast<int64_t>(since1970), int64_t{1'000'000'000}, &ns) ||
         __builtin_add_overflow(ns, micros * 1000, &ns))
@@ -205,7 +199,9 @@ std::optional<Date> dateFromSince2001(double seconds) {
 
 // Writer
 
-Writer::Writer() { out_.assign(kMagic); }
+Writer::Writer() {
+    out_.assign(kMagic);
+}
 
 Writer::Writer(Sink sink) : Writer() {
     sink_ = std::move(sink);
@@ -213,8 +209,7 @@ Writer::Writer(Sink sink) : Writer() {
 }
 
 void Writer::reserve(size_t bytes, size_t objects) {
-    if (!sink_)
-        out_.reserve(bytes);
+    if (!sink_) out_.reserve(bytes);
     offsets_.reserve(objects);
 }
 
@@ -271,8 +266,7 @@ Ref Writer::string(std::string_view utf8) {
 }
 
 Ref Writer::key(std::string_view utf8) {
-    if (const auto it = keys_.find(utf8); it != keys_.end())
-        return it->second;
+    if (const auto it = keys_.find(utf8); it != keys_.end()) return it->second;
     const Ref ref = string(utf8);
     keys_.emplace(std::string(utf8), ref);
     return ref;
@@ -280,12 +274,12 @@ Ref Writer::key(std::string_view utf8) {
 
 Ref& Writer::NumberRefs::slot(uint64_t bits) {
     if (2 * (used_ + 1) > slots_.size()) {
-        std::vector<std::pair<uint64_t, Ref>> old(std::max<size_t>(64, 2 * slots_.size()), {0, none});
+        std::vector<std::pair<uint64_t, Ref>> old(std::max<size_t>(64, 2 * slots_.size()),
+                                                  {0, none});
         old.swap(slots_);
         used_ = 0;
         for (const auto& [oldBits, ref] : old)
-            if (ref != none)
-                slot(oldBits) = ref;
+            if (ref != none) slot(oldBits) = ref;
     }
     const size_t mask = slots_.size() - 1;
     // Fibonacci hashing spreads the bits of doubles, whose low bits are often all zero.
@@ -296,15 +290,13 @@ Ref& Writer::NumberRefs::slot(uint64_t bits) {
             ++used_;
             return ref;
         }
-        if (slotBits == bits)
-            return ref;
+        if (slotBits == bits) return ref;
     }
 }
 
 Ref Writer::integer(int64_t value) {
     Ref& known = integers_.slot(static_cast<uint64_t>(value));
-    if (known != NumberRefs::none)
-        return known;
+    if (known != NumberRefs::none) return known;
     const Ref ref = known = begin();
     // One, two and four byte integers are unsigned; eight bytes are signed.
     const uint8_t width = value < 0 ? 3 : widthLog2(static_cast<uint64_t>(value));
@@ -315,8 +307,7 @@ Ref Writer::integer(int64_t value) {
 
 Ref Writer::real(double value) {
     Ref& known = reals_.slot(std::bit_cast<uint64_t>(value));
-    if (known != NumberRefs::none)
-        return known;
+    if (known != NumberRefs::none) return known;
     const Ref ref = known = begin();
     out_ += static_cast<char>(kDoubleMarker);
     appendBigEndian(out_, std::bit_cast<uint64_t>(value), 8);
@@ -399,8 +390,7 @@ Ref Refs::operator[](size_t i) const {
 
 std::optional<Ref> Dict::find(std::string_view key) const {
     for (size_t i = 0; i < size(); ++i)
-        if (doc_->keyEquals(keys_[i], key))
-            return values_[i];
+        if (doc_->keyEquals(keys_[i], key)) return values_[i];
     return std::nullopt;
 }
 
@@ -431,25 +421,21 @@ std::optional<Document> Document::open(std::span<const uint8_t> bytes) {
         doc.objectCount_ > (trailerStart - doc.offsetTableStart_) / doc.offsetSize_)
         return std::nullopt;
     doc.root_ = static_cast<Ref>(root);
-    if (!doc.offsetOf(doc.root_))
-        return std::nullopt;
+    if (!doc.offsetOf(doc.root_)) return std::nullopt;
     return doc;
 }
 
 std::optional<uint64_t> Document::offsetOf(Ref ref) const {
-    if (ref >= objectCount_)
-        return std::nullopt;
+    if (ref >= objectCount_) return std::nullopt;
     const uint64_t offset =
         readBigEndian(bytes_.data() + offsetTableStart_ + uint64_t{ref} * offsetSize_, offsetSize_);
-    if (offset < kMagic.size() || offset >= offsetTableStart_)
-        return std::nullopt;
+    if (offset < kMagic.size() || offset >= offsetTableStart_) return std::nullopt;
     return offset;
 }
 
 std::optional<Document::Object> Document::object(Ref ref) const {
     const auto offset = offsetOf(ref);
-    if (!offset)
-        return std::nullopt;
+    if (!offset) return std::nullopt;
     const uint8_t* p = bytes_.data() + *offset;
     const uint8_t* end = bytes_.data() + offsetTableStart_;
     Object o{static_cast<uint8_t>(*p >> 4), static_cast<uint8_t>(*p & 0xF), 0, nullptr, 0};
@@ -459,12 +445,10 @@ std::optional<Document::Object> Document::object(Ref ref) const {
                          o.type == arrayType || o.type == dictType;
     if (counted && o.info == 0xF) {
         // A longer count follows as an integer object of 1, 2, 4 or 8 bytes.
-        if (p >= end || (*p >> 4) != integerType || (*p & 0xF) > 3)
-            return std::nullopt;
+        if (p >= end || (*p >> 4) != integerType || (*p & 0xF) > 3) return std::nullopt;
         const size_t width = size_t{1} << (*p & 0xF);
         ++p;
-        if (static_cast<size_t>(end - p) < width)
-            return std::nullopt;
+        if (static_cast<size_t>(end - p) < width) return std::nullopt;
         o.count = readBigEndian(p, width);
         p += width;
     }
@@ -475,8 +459,7 @@ std::optional<Document::Object> Document::object(Ref ref) const {
 
 std::optional<Refs> Document::refs(const uint8_t* at, uint64_t count) const {
     for (uint64_t i = 0; i < count; ++i)
-        if (readBigEndian(at + i * refSize_, refSize_) >= objectCount_)
-            return std::nullopt;
+        if (readBigEndian(at + i * refSize_, refSize_) >= objectCount_) return std::nullopt;
     Refs r;
     r.at_ = at;
     r.count_ = count;
@@ -486,20 +469,16 @@ std::optional<Refs> Document::refs(const uint8_t* at, uint64_t count) const {
 
 std::optional<std::string_view> Document::stringView(Ref ref, std::string& scratch) const {
     const auto o = object(ref);
-    if (!o)
-        return std::nullopt;
+    if (!o) return std::nullopt;
     if (o->type == asciiType && o->count <= o->room) {
         const std::string_view text(reinterpret_cast<const char*>(o->body), o->count);
-        if (!isAscii(text))
-            return std::nullopt;
+        if (!isAscii(text)) return std::nullopt;
         return text;
     }
-    if (o->type != utf16Type || o->count > o->room / 2)
-        return std::nullopt;
+    if (o->type != utf16Type || o->count > o->room / 2) return std::nullopt;
     scratch.resize(3 * o->count);
     const auto length = fromUtf16(o->body, o->count, scratch.data());
-    if (!length)
-        return std::nullopt;
+    if (!length) return std::nullopt;
     scratch.resize(*length);
     return std::string_view(scratch);
 }
@@ -510,16 +489,13 @@ std::optional<std::string> Document::string(Ref ref) const {
     if (o && o->type == utf16Type && o->count <= 256 && o->count <= o->room / 2) {
         char buffer[3 * 256];
         const auto length = fromUtf16(o->body, o->count, buffer);
-        if (!length)
-            return std::nullopt;
+        if (!length) return std::nullopt;
         return std::string(buffer, *length);
     }
     std::string scratch;
     const auto view = stringView(ref, scratch);
-    if (!view)
-        return std::nullopt;
-    if (view->data() != scratch.data())
-        return std::string(*view);
+    if (!view) return std::nullopt;
+    if (view->data() != scratch.data()) return std::string(*view);
     scratch.shrink_to_fit();
     return scratch;
 }
@@ -545,8 +521,7 @@ std::optional<int64_t> Document::integer(Ref ref) const {
         // Sixteen bytes, signed: accepted when the value fits in 64 bits.
         const uint64_t high = readBigEndian(o->body, 8);
         const auto low = static_cast<int64_t>(readBigEndian(o->body + 8, 8));
-        if ((high == 0 && low >= 0) || (high == ~uint64_t{0} && low < 0))
-            return low;
+        if ((high == 0 && low >= 0) || (high == ~uint64_t{0} && low < 0)) return low;
         return std::nullopt;
     }
     }
@@ -554,12 +529,10 @@ std::optional<int64_t> Document::integer(Ref ref) const {
 
 std::optional<double> Document::real(Ref ref) const {
     const auto o = object(ref);
-    if (!o || o->type != realType)
-        return std::nullopt;
+    if (!o || o->type != realType) return std::nullopt;
     if (o->info == 2 && o->room >= 4)
         return std::bit_cast<float>(static_cast<uint32_t>(readBigEndian(o->body, 4)));
-    if (o->info == 3 && o->room >= 8)
-        return std::bit_cast<double>(readBigEndian(o->body, 8));
+    if (o->info == 3 && o->room >= 8) return std::bit_cast<double>(readBigEndian(o->body, 8));
     return std::nullopt;
 }
 
@@ -572,32 +545,27 @@ std::optional<bool> Document::boolean(Ref ref) const {
 
 std::optional<Date> Document::date(Ref ref) const {
     const auto o = object(ref);
-    if (!o || (o->type << 4 | o->info) != kDateMarker || o->room < 8)
-        return std::nullopt;
+    if (!o || (o->type << 4 | o->info) != kDateMarker || o->room < 8) return std::nullopt;
     return dateFromSince2001(std::bit_cast<double>(readBigEndian(o->body, 8)));
 }
 
 std::optional<std::vector<uint8_t>> Document::data(Ref ref) const {
     const auto o = object(ref);
-    if (!o || o->type != dataType || o->count > o->room)
-        return std::nullopt;
+    if (!o || o->type != dataType || o->count > o->room) return std::nullopt;
     return std::vector<uint8_t>(o->body, o->body + o->count);
 }
 
 std::optional<Refs> Document::array(Ref ref) const {
     const auto o = object(ref);
-    if (!o || o->type != arrayType || o->count > o->room / refSize_)
-        return std::nullopt;
+    if (!o || o->type != arrayType || o->count > o->room / refSize_) return std::nullopt;
     return refs(o->body, o->count);
 }
 
 std::optional<Dict> Document::dict(Ref ref) const {
     const auto o = object(ref);
-    if (!o || o->type != dictType || o->count > o->room / (2u * refSize_))
-        return std::nullopt;
+    if (!o || o->type != dictType || o->count > o->room / (2u * refSize_)) return std::nullopt;
     const auto all = refs(o->body, 2 * o->count);
-    if (!all)
-        return std::nullopt;
+    if (!all) return std::nullopt;
     Dict d;
     d.doc_ = this;
     d.keys_ = *all;

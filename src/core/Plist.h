@@ -27,7 +27,7 @@ using Ref = uint32_t;
 // Numbers and booleans are written once per value and shared, which keeps a file of many
 // similar records small. Strings are UTF-8; bytes that are not valid UTF-8 are written as U+FFFD.
 class Writer {
-public:
+  public:
     // Where a file written in pieces goes.
     using Sink = std::function<void(std::string_view)>;
 
@@ -55,7 +55,7 @@ public:
     // writer is spent afterwards.
     std::string finish(Ref root);
 
-private:
+  private:
     struct KeyHash {
         using is_transparent = void;
         size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
@@ -64,12 +64,12 @@ private:
     // Refs of the numbers written so far, by their 64 bits: open addressing, so that millions
     // of numbers cost a multiplication and a probe or two each.
     class NumberRefs {
-    public:
+      public:
         static constexpr Ref none = ~Ref{0};
         // The ref stored for `bits`; `none` in a new slot, for the caller to fill.
         Ref& slot(uint64_t bits);
 
-    private:
+      private:
         std::vector<std::pair<uint64_t, Ref>> slots_;
         size_t used_ = 0;
     };
@@ -94,7 +94,7 @@ class Document;
 // The object numbers held by an array or a dictionary, read from the file on demand. They were
 // checked against the object table when the container was opened.
 class Refs {
-public:
+  public:
     size_t size() const { return count_; }
     bool empty() const { return count_ == 0; }
     // The i-th number; i < size().
@@ -113,7 +113,7 @@ public:
     iterator begin() const { return {this, 0}; }
     iterator end() const { return {this, count_}; }
 
-private:
+  private:
     friend class Document;
     const uint8_t* at_ = nullptr;
     size_t count_ = 0;
@@ -122,7 +122,7 @@ private:
 
 // A checked view of one dictionary of a document.
 class Dict {
-public:
+  public:
     // The value under this key, or nothing.
     std::optional<Ref> find(std::string_view key) const;
     size_t size() const { return keys_.size(); }
@@ -130,7 +130,7 @@ public:
     Ref keyAt(size_t i) const { return keys_[i]; }
     Ref valueAt(size_t i) const { return values_[i]; }
 
-private:
+  private:
     friend class Document;
     const Document* doc_ = nullptr;
     Refs keys_, values_;
@@ -141,7 +141,7 @@ private:
 // are wrong, so a damaged or hostile file can only fail to decode. Nothing recurses: callers
 // ask for the type they expect, so an object that contains itself simply fails that check.
 class Document {
-public:
+  public:
     // Checks the header, trailer and offset table; nothing when they are not sound.
     static std::optional<Document> open(std::span<const uint8_t> bytes);
 
@@ -164,7 +164,7 @@ public:
     // Whether the dictionary's key at `ref` equals `key` (without copying it).
     bool keyEquals(Ref ref, std::string_view key) const;
 
-private:
+  private:
     // One object's marker, parsed and checked: its type nibble, its count (a length for
     // strings, data and containers) and where its body starts.
     struct Object {

@@ -2,10 +2,9 @@
 
 #include "support/TempDir.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <set>
 
 using namespace lumivale;
@@ -31,8 +30,7 @@ WriteCall failingAfter(size_t budget) {
         }
         const size_t n = std::min({length, budget - *written, size_t{1000}});
         const ssize_t done = systemWrite(fd, data, n);
-        if (done > 0)
-            *written += static_cast<size_t>(done);
+        if (done > 0) *written += static_cast<size_t>(done);
         return done;
     };
 }
@@ -135,13 +133,13 @@ TEST(FileOpsTest, AFailedNewWriteLeavesNothing) {
 }
 
 TEST(FileOpsTest, WritesIntoAFolderWithoutPermissionFail) {
-    if (test::runningAsRoot())
-        GTEST_SKIP() << "permissions do not hold for root";
+    if (test::runningAsRoot()) GTEST_SKIP() << "permissions do not hold for root";
     const test::TempDir dir;
     const std::string folder = dir.file("locked");
     fs::create_directories(folder);
     const std::string file = test::writeFile(folder + "/library.plist", before);
-    fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec, fs::perm_options::replace);
+    fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec,
+                    fs::perm_options::replace);
     EXPECT_FALSE(writeAtomically(file, after));
     EXPECT_FALSE(writeNew(folder + "/other.plist", after));
     fs::permissions(folder, fs::perms::owner_all, fs::perm_options::replace);
