@@ -20,7 +20,8 @@ seconds() { # command... : runs it and prints how long it took
 /usr/bin/python3 -c 'import plistlib, sys; plistlib.dump(plistlib.load(open(sys.argv[1], "rb")), open(sys.argv[2], "wb"))' \
     "$work/ours.plist" "$work/ours.xml"
 echo "library of $shots shots: $(stat -c %s "$work/ours.plist") bytes binary, $(stat -c %s "$work/ours.xml") bytes XML"
-echo "LibraryBench, the same library saved:  see LibraryBench --shots $shots"
+echo "Lumivale (LibraryBench --shots $shots):"
+"$bench" --shots "$shots" | grep -E '^(save|load)' | sed 's/^/    /'
 echo "plistutil, XML to binary:              $(seconds plistutil -i "$work/ours.xml" -o "$work/from-xml.plist" -f bin) s"
 # Given a binary file and asked for binary, plistutil only copies it; reading is timed as binary to XML.
 echo "plistutil, binary to XML:              $(seconds plistutil -i "$work/ours.plist" -o "$work/again.xml" -f xml) s"

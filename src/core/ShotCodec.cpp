@@ -49,21 +49,23 @@ size_t indexOf(const std::array<std::string_view, N>& names, std::string_view na
     return N;
 }
 
-struct KeyRefs {
-    std::array<Ref, lineFieldCount> line;
-    explicit KeyRefs(Writer& writer) {
-        for (size_t i = 0; i < lineFieldCount; ++i)
-            line[i] = writer.key(lineFieldNames[i]);
-    }
-};
+using LineKeys = std::array<Ref, lineFieldCount>;
 
-Ref writeLine(Writer& writer, const TextLine& line, const KeyRefs& keys) {
+// The refs of the line keys, looked up once a shot rather than once a line.
+LineKeys lineKeys(Writer& writer) {
+    LineKeys keys;
+    for (size_t i = 0; i < lineFieldCount; ++i)
+        keys[i] = writer.key(lineFieldNames[i]);
+    return keys;
+}
+
+Ref writeLine(Writer& writer, const TextLine& line, const LineKeys& keys) {
     const std::array<Ref, lineFieldCount> values = {writer.string(line.text), writer.real(line.x),
                                                     writer.real(line.y), writer.real(line.w),
                                                     writer.real(line.h)};
     std::array<std::pair<Ref, Ref>, lineFieldCount> entries;
     for (size_t i = 0; i < lineFieldCount; ++i)
-        entries[i] = {keys.line[i], values[i]};
+        entries[i] = {keys[i], values[i]};
     return writer.dict(entries);
 }
 
@@ -173,7 +175,7 @@ bool readField(const Document& doc, Field field, Ref value, Shot& shot, std::str
 } // namespace
 
 Ref writeShot(Writer& writer, const Shot& shot) {
-    const KeyRefs keys(writer);
+    const LineKeys keys = lineKeys(writer);
     std::array<std::pair<Field, Ref>, fieldCount> values;
     size_t count = 0;
     const auto put = [&](Field field, Ref ref) { values[count++] = {field, ref}; };
