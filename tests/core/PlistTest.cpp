@@ -3,6 +3,7 @@
 #include "support/PlistInterop.h"
 #include "support/TempDir.h"
 
+#include <bit>
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
@@ -22,30 +23,31 @@ Date at(sys_days day, nanoseconds time) {
     return Date(day) + time;
 }
 
-// A file whose top object is an array of `values`, each written by `put`.
-template <class T>
-std::string arrayFile(const std::vector<T>& values, Ref (*put)(Writer&, const T&)) {
+// Writes `values` into an array with `put` and reads each back with `get`.
+template <class T, class Put, class Get>
+auto roundTrip(const std::vector<T>& values, Put put, Get get) {
     Writer writer;
     std::vector<Ref> refs;
     for (const T& v : values)
         refs.push_back(put(writer, v));
-    return writer.finish(writer.array(refs));
-}
-
-// The values read back from an array file by `get`, or nothing where `get` fails.
-template <class T>
-std::vector<std::optional<T>> readBack(const std::string& file,
-                                       std::optional<T> (Document::*get)(Ref) const) {
+    const std::string file = writer.finish(writer.array(refs));
     const auto doc = Document::open(spanOf(file));
-    EXPECT_TRUE(doc);
+    std::vector<std::invoke_result_t<Get, const Document&, Ref>> back;
     const auto items = doc ? doc->array(doc->root()) : std::nullopt;
-    EXPECT_TRUE(items);
-    std::vector<std::optional<T>> out;
     if (items)
         for (Ref r : *items)
-            out.push_back(((*doc).*get)(r));
-    return out;
+            back.push_back(std::invoke(get, *doc, r));
+    return back;
 }
+
+template <class T> std::vector<std::optional<T>> optionals(const std::vector<T>& values) {
+    return {values.begin(), values.end()};
+}
+
+const auto putInteger = [](Writer& w, int64_t v) { return w.integer(v); };
+const auto putString = [](Writer& w, const std::string& v) { return w.string(v); };
+const auto putReal = [](Writer& w, double v) { return w.real(v); };
+const auto putDate = [](Writer& w, Date v) { return w.date(v); };
 
 const std::vector<int64_t> integers = {0,          1,         255,       256, 65535, 65536,
                                        0xFFFFFFFF, 1LL << 32, INT64_MAX, -1,  -256,  INT64_MIN};
@@ -74,88 +76,44 @@ const std::vector<Date> dates = {
 };
 
 TEST(PlistTest, ScalarsRoundTrip) {
-    {
-        SCOPED_TRACE("integers");
-        const auto file =
-            arrayFile<int64_t>(integers, [](Writer& w, const int64_t& v) { return w.integer(v); });
-        const auto back = readBack(file, &Document::integer);
-        ASSERT_EQ(back.size(), integers.size());
-        for (size_t i = 0; i < integers.size(); ++i)
-            EXPECT_EQ(back[i], integers[i]) << i;
-    }
-    {
-        SCOPED_TRACE("strings");
-        const auto file = arrayFile<std::string>(
-            strings, [](Writer& w, const std::string& v) { return w.string(v); });
-        const auto back = readBack(file, &Document::string);
-        ASSERT_EQ(back.size(), strings.size());
-        for (size_t i = 0; i < strings.size(); ++i)
-            EXPECT_EQ(back[i], strings[i]) << i;
-    }
-    {
-        SCOPED_TRACE("reals");
-        const auto file =
-            arrayFile<double>(reals, [](Writer& w, const double& v) { return w.real(v); });
-        const auto back = readBack(file, &Document::real);
-        ASSERT_EQ(back.size(), reals.size());
-        for (size_t i = 0; i < reals.size(); ++i) {
-            ASSERT_TRUE(back[i]) << i;
-            EXPECT_EQ(std::signbit(*back[i]), std::signbit(reals[i])) << i;
-            EXPECT_EQ(*back[i], reals[i]) << i;
-        }
-        const auto nan = readBack(
-            arrayFile<double>({std::nan("")}, [](Writer& w, const double& v) { return w.real(v); }),
-            &Document::real);
-        EXPECT_TRUE(nan.at(0) && std::isnan(*nan.at(0)));
-    }
-    {
-        SCOPED_TRACE("dates");
-        const auto file =
-            arrayFile<Date>(dates, [](Writer& w, const Date& v) { return w.date(v); });
-        const auto back = readBack(file, &Document::date);
-        ASSERT_EQ(back.size(), dates.size());
-        for (size_t i = 0; i < dates.size(); ++i)
-            EXPECT_EQ(back[i], dates[i]) << i;
-    }
-    {
-        SCOPED_TRACE("booleans");
-        const auto file =
-            arrayFile<bool>({true, false}, [](Writer& w, const bool& v) { return w.boolean(v); });
-        const auto back = readBack(file, &Document::boolean);
-        EXPECT_EQ(back, (std::vector<std::optional<bool>>{true, false}));
-    }
-    {
-        SCOPED_TRACE("data");
-        std::vector<uint8_t> long_(300);
-        for (size_t i = 0; i < long_.size(); ++i)
-            long_[i] = static_cast<uint8_t>(i * 7);
-        const std::vector<std::vector<uint8_t>> blobs = {{}, {0, 255, 10}, long_};
-        const auto file = arrayFile<std::vector<uint8_t>>(
-            blobs, [](Writer& w, const std::vector<uint8_t>& v) { return w.data(v); });
-        const auto back = readBack(file, &Document::data);
-        ASSERT_EQ(back.size(), blobs.size());
-        for (size_t i = 0; i < blobs.size(); ++i)
-            EXPECT_EQ(back[i], blobs[i]) << i;
-    }
+    EXPECT_EQ(roundTrip(integers, putInteger, &Document::integer), optionals(integers));
+    EXPECT_EQ(roundTrip(strings, putString, &Document::string), optionals(strings));
+    EXPECT_EQ(roundTrip(dates, putDate, &Document::date), optionals(dates));
+    EXPECT_EQ(roundTrip(
+                  std::vector<bool>{true, false}, [](Writer& w, bool v) { return w.boolean(v); },
+                  &Document::boolean),
+              (std::vector<std::optional<bool>>{true, false}));
+    std::vector<uint8_t> long_(300);
+    for (size_t i = 0; i < long_.size(); ++i)
+        long_[i] = static_cast<uint8_t>(i * 7);
+    const std::vector<std::vector<uint8_t>> blobs = {{}, {0, 255, 10}, long_};
+    EXPECT_EQ(roundTrip(
+                  blobs, [](Writer& w, const std::vector<uint8_t>& v) { return w.data(v); },
+                  &Document::data),
+              optionals(blobs));
+
+    // Reals by their bits, so that -0 and not-a-number count too.
+    std::vector<double> withNan = reals;
+    withNan.push_back(std::nan(""));
+    const auto back = roundTrip(withNan, putReal, &Document::real);
+    ASSERT_EQ(back.size(), withNan.size());
+    for (size_t i = 0; i < withNan.size(); ++i)
+        EXPECT_EQ(std::bit_cast<uint64_t>(back[i].value_or(42.0)),
+                  std::bit_cast<uint64_t>(withNan[i]))
+            << i;
 }
 
-TEST(PlistTest, DatesAtTheEndsOfTheRangeComeBackWithinAMicrosecond) {
+TEST(PlistTest, DatesKeepMicrosecondsAndTheEndsOfTheirRange) {
+    EXPECT_EQ(roundTrip(std::vector<Date>{at(sys_days(2025y / July / 1), 123456789ns)}, putDate,
+                        &Document::date),
+              optionals(std::vector<Date>{at(sys_days(2025y / July / 1), 123457us)}));
     const std::vector<Date> ends = {Date::min(), Date::max()};
-    const auto back = readBack(
-        arrayFile<Date>(ends, [](Writer& w, const Date& v) { return w.date(v); }), &Document::date);
+    const auto back = roundTrip(ends, putDate, &Document::date);
     ASSERT_EQ(back.size(), 2u);
     for (size_t i = 0; i < ends.size(); ++i) {
         ASSERT_TRUE(back[i]);
         EXPECT_LE(abs(*back[i] - ends[i]), 1us);
     }
-}
-
-TEST(PlistTest, DatesKeepMicroseconds) {
-    const Date exact = at(sys_days(2025y / July / 1), 123456789ns);
-    const auto back =
-        readBack(arrayFile<Date>({exact}, [](Writer& w, const Date& v) { return w.date(v); }),
-                 &Document::date);
-    EXPECT_EQ(back.at(0), at(sys_days(2025y / July / 1), 123457us));
 }
 
 TEST(PlistTest, InvalidUtf8IsWrittenAsReplacementCharacters) {
@@ -173,11 +131,8 @@ TEST(PlistTest, InvalidUtf8IsWrittenAsReplacementCharacters) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.out);
-        const auto back =
-            readBack(arrayFile<std::string>(
-                         {c.in}, [](Writer& w, const std::string& v) { return w.string(v); }),
-                     &Document::string);
-        EXPECT_EQ(back.at(0), c.out);
+        EXPECT_EQ(roundTrip(std::vector<std::string>{c.in}, putString, &Document::string),
+                  optionals(std::vector<std::string>{c.out}));
     }
 }
 
