@@ -23,19 +23,6 @@ std::vector<TextLine> linesOf(const std::vector<std::string>& texts) {
     return lines;
 }
 
-TEST(ShotTest, StartsUnread) {
-    const Shot shot("/home/u/Pictures/a.png", 4096, base, base + milliseconds(5));
-    EXPECT_EQ(shot.path, "/home/u/Pictures/a.png");
-    EXPECT_EQ(shot.size, 4096);
-    EXPECT_FALSE(shot.isRead());
-    EXPECT_EQ(shot.guess, Shelf::other);
-    EXPECT_FALSE(shot.manual.has_value());
-    EXPECT_TRUE(shot.lines.empty());
-    EXPECT_TRUE(shot.folded.empty());
-    EXPECT_EQ(shot.reader, 0);
-    EXPECT_FALSE(shot.failed);
-}
-
 TEST(ShotTest, KeepsItsSearchText) {
     struct Case {
         const char* what;

@@ -89,20 +89,6 @@ TEST(TallyTest, CountsOnePass) {
     }
 }
 
-TEST(TallyTest, EqualityComparesEveryField) {
-    const std::vector<Shot> shots = {makeShot({true, Shelf::bills}, 0),
-                                     makeShot({false, Shelf::ids}, 1)};
-    const Tally tally{std::span<const Shot>(shots)};
-    std::vector<Tally> changed(5, tally);
-    changed[0].byCategory[Shelf::code] = 1;
-    changed[1].total += 1;
-    changed[2].sensitive += 1;
-    changed[3].unread += 1;
-    changed[4].bytes += 1;
-    for (const Tally& other : changed)
-        EXPECT_FALSE(other == tally);
-}
-
 TEST(TallyTest, BytesFromADamagedLibraryDoNotWrapAround) {
     const int64_t most = std::numeric_limits<int64_t>::max();
     const std::vector<Shot> shots = {makeShot({false, Shelf::other, {}, {}, most}, 0),
