@@ -24,7 +24,8 @@ inline Date dateFromSeconds(double seconds) {
 // The current time.
 inline Date now() { return std::chrono::time_point_cast<std::chrono::nanoseconds>(std::chrono::system_clock::now()); }
 
-// A date long before any file existed; stands in where a file system gives no date.
-inline Date distantPast() { return dateFromSeconds(-62135769600.0); }
+// A date long before any file existed (the year 1716, well inside what a Date can hold); it
+// stands in where a file system gives no date.
+inline Date distantPast() { return dateFromSeconds(-8.0e9); }
 
 } // namespace lumivale

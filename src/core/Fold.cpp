@@ -54,14 +54,16 @@ std::string foldText(std::string_view s) {
         icu::UnicodeString::fromUTF8(icu::StringPiece(s.data(), static_cast<int32_t>(s.size())));
 
     // Only the <wide> and <narrow> compatibility forms are decomposed; ligatures, superscripts
-    // and the like stay as they are.
+    // and the like stay as they are. The mapping is taken raw, one level deep: the full one
+    // would go on through other compatibility forms (full-width macron → space + combining
+    // macron instead of the plain macron).
     icu::UnicodeString text;
     for (int32_t i = 0; i < in.length();) {
         const UChar32 c = in.char32At(i);
         i += U16_LENGTH(c);
         const int type = u_getIntPropertyValue(c, UCHAR_DECOMPOSITION_TYPE);
         icu::UnicodeString plain;
-        if ((type == U_DT_WIDE || type == U_DT_NARROW) && n.nfkd->getDecomposition(c, plain))
+        if ((type == U_DT_WIDE || type == U_DT_NARROW) && n.nfkd->getRawDecomposition(c, plain))
             text.append(plain);
         else
             text.append(c);

@@ -18,6 +18,7 @@ bool Library::update(const std::string& path, const std::function<void(Shot&)>& 
         return false;
     Shot copy = *it->second;
     edit(copy);
+    copy.path = path; // the key and the shot's path must agree
     it->second = std::make_shared<const Shot>(std::move(copy));
     return true;
 }
@@ -52,10 +53,6 @@ std::vector<ShotPtr> Library::all() const {
     for (const auto& [path, shot] : shots)
         out.push_back(shot);
     return out;
-}
-
-Status Library::save(const std::string& file) const {
-    return write(file, all(), extraFolders, skippedFolders);
 }
 
 } // namespace lumivale

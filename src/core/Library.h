@@ -26,7 +26,8 @@ struct Library {
     const Shot* find(const std::string& path) const;
     // Stores the shot under its own path, replacing any shot there.
     void put(Shot shot);
-    // Replaces the shot at this path with an edited copy; false when there is none.
+    // Replaces the shot at this path with an edited copy, whose path stays as it was (moving is
+    // move's work); false when there is none.
     bool update(const std::string& path, const std::function<void(Shot&)>& edit);
     // Re-keys the shot at `from` to `to` (refolding it, since its name is part of the search text).
     void move(const std::string& from, const std::string& to);
@@ -39,7 +40,9 @@ struct Library {
     // another version.
     static std::optional<Library> load(const std::string& file);
     // Writes the library atomically, making the folder first; the file is untouched on failure.
-    Status save(const std::string& file) const;
+    Status save(const std::string& file) const {
+        return write(file, all(), extraFolders, skippedFolders);
+    }
     // The same for values copied out of a library (so a background save needs no library).
     static Status write(const std::string& file, const std::vector<ShotPtr>& shots,
                         const std::vector<std::string>& extraFolders,

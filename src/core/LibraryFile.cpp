@@ -6,9 +6,9 @@
 #include "core/ShotCodec.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <fcntl.h>
 #include <memory>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,52 +19,52 @@ using plist::Document;
 using plist::Ref;
 using plist::Writer;
 
-struct FileBytes {
-    std::unique_ptr<uint8_t[]> data;
-    size_t size = 0;
-    std::span<const uint8_t> span() const { return {data.get(), size}; }
+// A file mapped read-only, so that only the pages being decoded need to be in memory.
+//
+// A mapped file that another program cuts short while it is read would fault; the library file
+// is Lumivale's own and is only ever replaced by renaming a new file over it, never rewritten in
+// place, so the file mapped here keeps its size.
+class MappedFile {
+  public:
+    // The whole file, or null when it cannot be opened, is not a regular file, or is empty.
+    static std::unique_ptr<MappedFile> open(const std::string& path) {
+        // Non-blocking, so a pipe put where the file should be cannot hang the start.
+        const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        if (fd < 0) return nullptr;
+        struct stat info {};
+        void* at = MAP_FAILED;
+        if (fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0)
+            at = mmap(nullptr, static_cast<size_t>(info.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
+        close(fd);
+        if (at == MAP_FAILED) return nullptr;
+        return std::unique_ptr<MappedFile>(
+            new MappedFile(static_cast<uint8_t*>(at), static_cast<size_t>(info.st_size)));
+    }
+    ~MappedFile() { munmap(data_, size_); }
+    MappedFile(const MappedFile&) = delete;
+    MappedFile& operator=(const MappedFile&) = delete;
+
+    std::span<const uint8_t> bytes() const { return {data_, size_}; }
+    // Lets go of the pages read so far; any needed again are read back from the file.
+    void release() const { madvise(data_, size_, MADV_DONTNEED); }
+
+  private:
+    MappedFile(uint8_t* data, size_t size) : data_(data), size_(size) {}
+    uint8_t* data_;
+    size_t size_;
 };
 
-// The whole file in one buffer (read, not mapped, so a file cut short by another program while
-// it is read gives a short buffer, never a fault), or nothing when it cannot be read.
-std::optional<FileBytes> readWhole(const std::string& path) {
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0)
-        return std::nullopt;
-    struct stat info {};
-    std::optional<FileBytes> result;
-    if (fstat(fd, &info) == 0 && S_ISREG(info.st_mode)) {
-        FileBytes bytes;
-        bytes.data = std::make_unique_for_overwrite<uint8_t[]>(static_cast<size_t>(info.st_size));
-        const auto wanted = static_cast<size_t>(info.st_size);
-        bool failed = false;
-        while (bytes.size < wanted) {
-            const ssize_t n = read(fd, bytes.data.get() + bytes.size, wanted - bytes.size);
-            if (n < 0 && errno == EINTR)
-                continue;
-            if (n <= 0) {
-                failed = n < 0;
-                break;
-            }
-            bytes.size += static_cast<size_t>(n);
-        }
-        if (!failed)
-            result = std::move(bytes);
-    }
-    close(fd);
-    return result;
-}
+// How many shots are decoded between releases of the mapped pages: a few megabytes of file.
+constexpr size_t kShotsPerRelease = 2048;
 
 std::optional<std::vector<std::string>> readPaths(const Document& doc, std::optional<Ref> ref) {
     const auto items = ref ? doc.array(*ref) : std::nullopt;
-    if (!items)
-        return std::nullopt;
+    if (!items) return std::nullopt;
     std::vector<std::string> paths;
     paths.reserve(items->size());
     for (Ref item : *items) {
         auto path = doc.string(item);
-        if (!path)
-            return std::nullopt;
+        if (!path) return std::nullopt;
         paths.push_back(std::move(*path));
     }
     return paths;
@@ -78,37 +78,29 @@ Ref writePaths(Writer& writer, const std::vector<std::string>& paths) {
     return writer.array(items);
 }
 
-// Room for the whole file, over-counted a little (a string may take two bytes a character),
-// so that building a large library never copies what is already written.
+// Room for every object's offset, so that building a large library never copies them.
 void reserveFor(Writer& writer, const std::vector<const Shot*>& shots) {
-    size_t bytes = 1024, objects = 64;
-    for (const Shot* shot : shots) {
-        bytes += 4 * shot->path.size() + 2 * shot->folded.size() + 64 * shot->barcodes.size() + 400;
-        objects += 24 + 6 * shot->lines.size() + shot->barcodes.size();
-        for (const TextLine& line : shot->lines)
-            bytes += 2 * line.text.size() + 128;
-    }
-    writer.reserve(bytes, objects);
+    size_t objects = 64;
+    for (const Shot* shot : shots)
+        objects += 24 + 2 * shot->lines.size() + shot->barcodes.size();
+    writer.reserve(0, objects);
 }
 
 } // namespace
 
 std::optional<Library> Library::load(const std::string& file) {
-    const auto bytes = readWhole(file);
-    const auto doc = bytes ? Document::open(bytes->span()) : std::nullopt;
+    const auto mapped = MappedFile::open(file);
+    const auto doc = mapped ? Document::open(mapped->bytes()) : std::nullopt;
     const auto top = doc ? doc->dict(doc->root()) : std::nullopt;
-    if (!top)
-        return std::nullopt;
+    if (!top) return std::nullopt;
     const auto versionRef = top->find("version");
     const auto version = versionRef ? doc->integer(*versionRef) : std::nullopt;
-    if (version != currentVersion)
-        return std::nullopt;
+    if (version != currentVersion) return std::nullopt;
     const auto shotsRef = top->find("shots");
     const auto shots = shotsRef ? doc->dict(*shotsRef) : std::nullopt;
     auto extraFolders = readPaths(*doc, top->find("extraFolders"));
     auto skippedFolders = readPaths(*doc, top->find("skippedFolders"));
-    if (!shots || !extraFolders || !skippedFolders)
-        return std::nullopt;
+    if (!shots || !extraFolders || !skippedFolders) return std::nullopt;
 
     Library library;
     library.extraFolders = std::move(*extraFolders);
@@ -116,14 +108,16 @@ std::optional<Library> Library::load(const std::string& file) {
     library.shots.reserve(shots->size());
     for (size_t i = 0; i < shots->size(); ++i) {
         auto shot = readShot(*doc, shots->valueAt(i));
-        // A shot filed under another path than its own, or a path filed twice, means the file
-        // was not written by this program: it is not trusted as a whole.
-        if (!shot || !doc->keyEquals(shots->keyAt(i), shot->path))
-            return std::nullopt;
+        // A shot filed under another path than its own means the file was not written by this
+        // program: it is not trusted as a whole.
+        if (!shot || !doc->keyEquals(shots->keyAt(i), shot->path)) return std::nullopt;
+        // A path can come twice when two file names differ only in bytes that are not UTF-8,
+        // which the file keeps as U+FFFD: the first stays.
         std::string key = shot->path;
-        auto value = std::make_shared<const Shot>(std::move(*shot));
-        if (!library.shots.emplace(std::move(key), std::move(value)).second)
-            return std::nullopt;
+        library.shots.try_emplace(std::move(key), std::make_shared<const Shot>(std::move(*shot)));
+        // The file is given back as it is decoded, so memory holds the shots and not the
+        // file as well.
+        if (i % kShotsPerRelease == kShotsPerRelease - 1) mapped->release();
     }
     return library;
 }
@@ -139,7 +133,9 @@ Status Library::write(const std::string& file, const std::vector<ShotPtr>& shots
     std::sort(ordered.begin(), ordered.end(),
               [](const Shot* a, const Shot* b) { return a->path < b->path; });
 
-    Writer writer;
+    // The file goes to disk piece by piece as it is made, so it never sits in memory whole.
+    AtomicFile out(file);
+    Writer writer([&out](std::string_view piece) { out.append(piece); });
     reserveFor(writer, ordered);
     const Ref version = writer.integer(currentVersion);
     std::vector<std::pair<Ref, Ref>> entries;
@@ -155,7 +151,8 @@ Status Library::write(const std::string& file, const std::vector<ShotPtr>& shots
                                        {writer.key("shots"), shotsRef},
                                        {writer.key("extraFolders"), extra},
                                        {writer.key("skippedFolders"), skipped}};
-    return writeAtomically(file, writer.finish(writer.dict(top)));
+    out.append(writer.finish(writer.dict(top)));
+    return out.commit();
 }
 
 } // namespace lumivale

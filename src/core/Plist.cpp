@@ -1,5 +1,6 @@
 #include "core/Plist.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -14,6 +15,8 @@ constexpr size_t kTrailerSize = 32;
 // known, and four bytes name more objects than any library can hold.
 constexpr uint8_t kRefSize = 4;
 constexpr int64_t kEpochOffset = static_cast<int64_t>(kPlistEpochOffset);
+// A writer with a sink hands its bytes on in pieces of this size.
+constexpr size_t kPiece = size_t{1} << 20;
 
 // Object types: the high nibble of an object's marker byte.
 enum Type : uint8_t {
@@ -30,27 +33,42 @@ enum Type : uint8_t {
 constexpr uint8_t kFalse = 0x08, kTrue = 0x09, kDateMarker = 0x33, kDoubleMarker = 0x23;
 
 uint64_t readBigEndian(const uint8_t* p, size_t n) {
-    uint64_t v = 0;
-    for (size_t i = 0; i < n; ++i)
-        v = (v << 8) | p[i];
-    return v;
+    switch (n) {
+    case 1:
+        return p[0];
+    case 2:
+        return static_cast<uint64_t>(p[0]) << 8 | p[1];
+    case 4: {
+        uint32_t v;
+        std::memcpy(&v, p, 4);
+        return std::endian::native == std::endian::little ? __builtin_bswap32(v) : v;
+    }
+    case 8: {
+        uint64_t v;
+        std::memcpy(&v, p, 8);
+        return std::endian::native == std::endian::little ? __builtin_bswap64(v) : v;
+    }
+    default: {
+        uint64_t v = 0;
+        for (size_t i = 0; i < n; ++i)
+            v = (v << 8) | p[i];
+        return v;
+    }
+    }
 }
 
 void appendBigEndian(std::string& out, uint64_t v, size_t n) {
-    char buf[8];
-    for (size_t i = 0; i < n; ++i)
-        buf[i] = static_cast<char>(v >> (8 * (n - 1 - i)));
-    out.append(buf, n);
+    const uint64_t big = std::endian::native == std::endian::little ? __builtin_bswap64(v) : v;
+    char bytes[8];
+    std::memcpy(bytes, &big, 8);
+    out.append(bytes + 8 - n, n);
 }
 
 // The fewest of 1, 2, 4 or 8 bytes that hold `v`, as the power of two the format stores.
 uint8_t widthLog2(uint64_t v) {
-    if (v <= 0xFF)
-        return 0;
-    if (v <= 0xFFFF)
-        return 1;
-    if (v <= 0xFFFFFFFF)
-        return 2;
+    if (v <= 0xFF) return 0;
+    if (v <= 0xFFFF) return 1;
+    if (v <= 0xFFFFFFFF) return 2;
     return 3;
 }
 
@@ -61,15 +79,20 @@ bool isAscii(std::string_view s) {
     return any < 0x80;
 }
 
-// Decodes UTF-8 into UTF-16, with U+FFFD for each byte that does not start a valid sequence.
-void toUtf16(std::string_view s, std::u16string& units) {
-    units.clear();
+// Encodes UTF-8 as big-endian UTF-16 into `out`, which has room for two bytes a byte of `s`,
+// with U+FFFD for each byte that does not start a valid sequence; the number of units.
+size_t toUtf16(std::string_view s, char* out) {
     const auto* p = reinterpret_cast<const unsigned char*>(s.data());
     const size_t n = s.size();
+    char* o = out;
+    const auto put = [&o](char32_t unit) {
+        *o++ = static_cast<char>(unit >> 8);
+        *o++ = static_cast<char>(unit & 0xFF);
+    };
     for (size_t i = 0; i < n;) {
         const unsigned char c = p[i];
         if (c < 0x80) {
-            units.push_back(c);
+            put(c);
             ++i;
             continue;
         }
@@ -88,66 +111,64 @@ void toUtf16(std::string_view s, std::u16string& units) {
         }
         valid = valid && cp >= least && cp <= 0x10FFFF && (cp < 0xD800 || cp > 0xDFFF);
         if (!valid) {
-            units.push_back(0xFFFD);
+            put(0xFFFD);
             ++i;
             continue;
         }
         if (cp < 0x10000) {
-            units.push_back(static_cast<char16_t>(cp));
+            put(cp);
         } else {
-            cp -= 0x10000;
-            units.push_back(static_cast<char16_t>(0xD800 + (cp >> 10)));
-            units.push_back(static_cast<char16_t>(0xDC00 + (cp & 0x3FF)));
+            put(0xD800 + ((cp - 0x10000) >> 10));
+            put(0xDC00 + ((cp - 0x10000) & 0x3FF));
         }
         i += length;
     }
+    return static_cast<size_t>(o - out) / 2;
 }
 
-// Decodes `count` big-endian UTF-16 units into `out` as UTF-8; false on an unpaired surrogate.
-// Two passes, so the string is allocated once at its exact size.
-bool fromUtf16(const uint8_t* p, uint64_t count, std::string& out) {
-    const auto unit = [p](uint64_t i) -> char32_t { return (char32_t(p[2 * i]) << 8) | p[2 * i + 1]; };
-    size_t length = 0;
-    for (uint64_t i = 0; i < count; ++i) {
-        const char32_t u = unit(i);
-        if (u < 0x80) {
-            length += 1;
-        } else if (u < 0x800) {
-            length += 2;
-        } else if (u >= 0xD800 && u <= 0xDBFF) {
-            if (i + 1 >= count || unit(i + 1) < 0xDC00 || unit(i + 1) > 0xDFFF)
-                return false;
-            length += 4;
-            ++i;
-        } else if (u >= 0xDC00 && u <= 0xDFFF) {
-            return false;
-        } else {
-            length += 3;
+// Decodes `count` big-endian UTF-16 units as UTF-8 into `out`, which has room for three bytes a
+// unit; the length written, or nothing on an unpaired surrogate.
+std::optional<size_t> fromUtf16(const uint8_t* p, uint64_t count, char* out) {
+    const auto unit = [p](uint64_t i) -> char32_t {
+        return (char32_t(p[2 * i]) << 8) | p[2 * i + 1];
+    };
+    // Four units at once are ASCII when every high byte is zero and every low byte below 0x80.
+    constexpr uint64_t nonAscii =
+        std::endian::native == std::endian::little ? 0x80FF80FF80FF80FF : 0xFF80FF80FF80FF80;
+    char* o = out;
+    for (uint64_t i = 0; i < count;) {
+        if (i + 4 <= count) {
+            uint64_t four;
+            std::memcpy(&four, p + 2 * i, 8);
+            if ((four & nonAscii) == 0) {
+                for (int k = 0; k < 4; ++k)
+                    *o++ = static_cast<char>(p[2 * i + 2 * k + 1]);
+                i += 4;
+                continue;
+            }
         }
-    }
-    out.resize(length);
-    char* o = out.data();
-    for (uint64_t i = 0; i < count; ++i) {
-        char32_t cp = unit(i);
-        if (cp >= 0xD800 && cp <= 0xDBFF)
-            cp = 0x10000 + ((cp - 0xD800) << 10) + (unit(++i) - 0xDC00);
+        char32_t cp = unit(i++);
         if (cp < 0x80) {
             *o++ = static_cast<char>(cp);
-        } else if (cp < 0x800) {
+            continue;
+        }
+        if ((cp & 0xF800) == 0xD800) {
+            if (cp >= 0xDC00 || i >= count || (unit(i) & 0xFC00) != 0xDC00) return std::nullopt;
+            cp = 0x10000 + ((cp - 0xD800) << 10) + (unit(i++) - 0xDC00);
+        }
+        if (cp < 0x800) {
             *o++ = static_cast<char>(0xC0 | (cp >> 6));
-            *o++ = static_cast<char>(0x80 | (cp & 0x3F));
         } else if (cp < 0x10000) {
             *o++ = static_cast<char>(0xE0 | (cp >> 12));
             *o++ = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-            *o++ = static_cast<char>(0x80 | (cp & 0x3F));
         } else {
             *o++ = static_cast<char>(0xF0 | (cp >> 18));
             *o++ = static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
             *o++ = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-            *o++ = static_cast<char>(0x80 | (cp & 0x3F));
         }
+        *o++ = static_cast<char>(0x80 | (cp & 0x3F));
     }
-    return true;
+    return static_cast<size_t>(o - out);
 }
 
 // Seconds since 2001-01-01, split so that dates far from 1970 keep their fractions.
@@ -158,19 +179,15 @@ double secondsSince2001(Date d) {
 }
 
 std::optional<Date> dateFromSince2001(double seconds) {
-    if (!std::isfinite(seconds))
-        return std::nullopt;
+    if (!std::isfinite(seconds)) return std::nullopt;
     double whole = std::floor(seconds);
     int64_t micros = std::llround((seconds - whole) * 1e6);
-    if (micros == 1'000'000)
-        whole += 1, micros = 0;
+    if (micros == 1'000'000) whole += 1, micros = 0;
     const double since1970 = whole + static_cast<double>(kEpochOffset);
     // Date spans about ±9.22e9 seconds around 1970.
     constexpr double limit = 9.3e9;
-    if (since1970 >= limit)
-        return Date::max();
-    if (since1970 <= -limit)
-        return Date::min();
+    if (since1970 >= limit) return Date::max();
+    if (since1970 <= -limit) return Date::min();
     int64_t ns = 0;
     if (__builtin_mul_overflow(static_cast<int64_t>(since1970), int64_t{1'000'000'000}, &ns) ||
         __builtin_add_overflow(ns, micros * 1000, &ns))
@@ -182,15 +199,31 @@ std::optional<Date> dateFromSince2001(double seconds) {
 
 // Writer
 
-Writer::Writer() { out_.assign(kMagic); }
+Writer::Writer() {
+    out_.assign(kMagic);
+}
+
+Writer::Writer(Sink sink) : Writer() {
+    sink_ = std::move(sink);
+    out_.reserve(2 * kPiece);
+}
 
 void Writer::reserve(size_t bytes, size_t objects) {
-    out_.reserve(bytes);
+    if (!sink_) out_.reserve(bytes);
     offsets_.reserve(objects);
 }
 
+void Writer::pass() {
+    if (sink_ && out_.size() >= kPiece) {
+        sink_(out_);
+        passed_ += out_.size();
+        out_.clear();
+    }
+}
+
 Ref Writer::begin() {
-    offsets_.push_back(out_.size());
+    pass();
+    offsets_.push_back(passed_ + out_.size());
     return static_cast<Ref>(offsets_.size() - 1);
 }
 
@@ -225,28 +258,46 @@ Ref Writer::string(std::string_view utf8) {
         out_.append(utf8);
         return ref;
     }
-    toUtf16(utf8, units_);
-    marker(utf16Type, units_.size());
-    const size_t at = out_.size();
-    out_.resize(at + 2 * units_.size());
-    char* p = out_.data() + at;
-    for (char16_t u : units_) {
-        *p++ = static_cast<char>(u >> 8);
-        *p++ = static_cast<char>(u & 0xFF);
-    }
+    utf16_.resize(2 * utf8.size());
+    const size_t units = toUtf16(utf8, utf16_.data());
+    marker(utf16Type, units);
+    out_.append(utf16_.data(), 2 * units);
     return ref;
 }
 
 Ref Writer::key(std::string_view utf8) {
-    if (const auto it = keys_.find(utf8); it != keys_.end())
-        return it->second;
+    if (const auto it = keys_.find(utf8); it != keys_.end()) return it->second;
     const Ref ref = string(utf8);
     keys_.emplace(std::string(utf8), ref);
     return ref;
 }
 
+Ref& Writer::NumberRefs::slot(uint64_t bits) {
+    if (2 * (used_ + 1) > slots_.size()) {
+        std::vector<std::pair<uint64_t, Ref>> old(std::max<size_t>(64, 2 * slots_.size()),
+                                                  {0, none});
+        old.swap(slots_);
+        used_ = 0;
+        for (const auto& [oldBits, ref] : old)
+            if (ref != none) slot(oldBits) = ref;
+    }
+    const size_t mask = slots_.size() - 1;
+    // Fibonacci hashing spreads the bits of doubles, whose low bits are often all zero.
+    for (size_t i = (bits * 0x9E3779B97F4A7C15) >> 32 & mask;; i = (i + 1) & mask) {
+        auto& [slotBits, ref] = slots_[i];
+        if (ref == none) {
+            slotBits = bits;
+            ++used_;
+            return ref;
+        }
+        if (slotBits == bits) return ref;
+    }
+}
+
 Ref Writer::integer(int64_t value) {
-    const Ref ref = begin();
+    Ref& known = integers_.slot(static_cast<uint64_t>(value));
+    if (known != NumberRefs::none) return known;
+    const Ref ref = known = begin();
     // One, two and four byte integers are unsigned; eight bytes are signed.
     const uint8_t width = value < 0 ? 3 : widthLog2(static_cast<uint64_t>(value));
     out_ += static_cast<char>(integerType << 4 | width);
@@ -255,16 +306,21 @@ Ref Writer::integer(int64_t value) {
 }
 
 Ref Writer::real(double value) {
-    const Ref ref = begin();
+    Ref& known = reals_.slot(std::bit_cast<uint64_t>(value));
+    if (known != NumberRefs::none) return known;
+    const Ref ref = known = begin();
     out_ += static_cast<char>(kDoubleMarker);
     appendBigEndian(out_, std::bit_cast<uint64_t>(value), 8);
     return ref;
 }
 
 Ref Writer::boolean(bool value) {
-    const Ref ref = begin();
-    out_ += static_cast<char>(value ? kTrue : kFalse);
-    return ref;
+    std::optional<Ref>& known = booleans_[value];
+    if (!known) {
+        known = begin();
+        out_ += static_cast<char>(value ? kTrue : kFalse);
+    }
+    return *known;
 }
 
 Ref Writer::date(Date value) {
@@ -307,11 +363,12 @@ Ref Writer::dict(std::span<const std::pair<Ref, Ref>> entries) {
 }
 
 std::string Writer::finish(Ref root) {
-    const uint64_t tableStart = out_.size();
+    const uint64_t tableStart = passed_ + out_.size();
     const uint8_t offsetSize = uint8_t{1} << widthLog2(offsets_.empty() ? 0 : offsets_.back());
-    out_.reserve(out_.size() + offsets_.size() * offsetSize + kTrailerSize);
-    for (uint64_t offset : offsets_)
+    for (uint64_t offset : offsets_) {
         appendBigEndian(out_, offset, offsetSize);
+        pass();
+    }
     out_.append(6, '\0'); // unused bytes and the sort version
     out_ += static_cast<char>(offsetSize);
     out_ += static_cast<char>(kRefSize);
@@ -320,6 +377,8 @@ std::string Writer::finish(Ref root) {
     appendBigEndian(out_, tableStart, 8);
     offsets_ = {};
     keys_ = {};
+    integers_ = {};
+    reals_ = {};
     return std::move(out_);
 }
 
@@ -331,8 +390,7 @@ Ref Refs::operator[](size_t i) const {
 
 std::optional<Ref> Dict::find(std::string_view key) const {
     for (size_t i = 0; i < size(); ++i)
-        if (doc_->keyEquals(keys_[i], key))
-            return values_[i];
+        if (doc_->keyEquals(keys_[i], key)) return values_[i];
     return std::nullopt;
 }
 
@@ -363,25 +421,21 @@ std::optional<Document> Document::open(std::span<const uint8_t> bytes) {
         doc.objectCount_ > (trailerStart - doc.offsetTableStart_) / doc.offsetSize_)
         return std::nullopt;
     doc.root_ = static_cast<Ref>(root);
-    if (!doc.offsetOf(doc.root_))
-        return std::nullopt;
+    if (!doc.offsetOf(doc.root_)) return std::nullopt;
     return doc;
 }
 
 std::optional<uint64_t> Document::offsetOf(Ref ref) const {
-    if (ref >= objectCount_)
-        return std::nullopt;
+    if (ref >= objectCount_) return std::nullopt;
     const uint64_t offset =
         readBigEndian(bytes_.data() + offsetTableStart_ + uint64_t{ref} * offsetSize_, offsetSize_);
-    if (offset < kMagic.size() || offset >= offsetTableStart_)
-        return std::nullopt;
+    if (offset < kMagic.size() || offset >= offsetTableStart_) return std::nullopt;
     return offset;
 }
 
 std::optional<Document::Object> Document::object(Ref ref) const {
     const auto offset = offsetOf(ref);
-    if (!offset)
-        return std::nullopt;
+    if (!offset) return std::nullopt;
     const uint8_t* p = bytes_.data() + *offset;
     const uint8_t* end = bytes_.data() + offsetTableStart_;
     Object o{static_cast<uint8_t>(*p >> 4), static_cast<uint8_t>(*p & 0xF), 0, nullptr, 0};
@@ -391,12 +445,10 @@ std::optional<Document::Object> Document::object(Ref ref) const {
                          o.type == arrayType || o.type == dictType;
     if (counted && o.info == 0xF) {
         // A longer count follows as an integer object of 1, 2, 4 or 8 bytes.
-        if (p >= end || (*p >> 4) != integerType || (*p & 0xF) > 3)
-            return std::nullopt;
+        if (p >= end || (*p >> 4) != integerType || (*p & 0xF) > 3) return std::nullopt;
         const size_t width = size_t{1} << (*p & 0xF);
         ++p;
-        if (static_cast<size_t>(end - p) < width)
-            return std::nullopt;
+        if (static_cast<size_t>(end - p) < width) return std::nullopt;
         o.count = readBigEndian(p, width);
         p += width;
     }
@@ -407,8 +459,7 @@ std::optional<Document::Object> Document::object(Ref ref) const {
 
 std::optional<Refs> Document::refs(const uint8_t* at, uint64_t count) const {
     for (uint64_t i = 0; i < count; ++i)
-        if (readBigEndian(at + i * refSize_, refSize_) >= objectCount_)
-            return std::nullopt;
+        if (readBigEndian(at + i * refSize_, refSize_) >= objectCount_) return std::nullopt;
     Refs r;
     r.at_ = at;
     r.count_ = count;
@@ -418,27 +469,35 @@ std::optional<Refs> Document::refs(const uint8_t* at, uint64_t count) const {
 
 std::optional<std::string_view> Document::stringView(Ref ref, std::string& scratch) const {
     const auto o = object(ref);
-    if (!o)
-        return std::nullopt;
+    if (!o) return std::nullopt;
     if (o->type == asciiType && o->count <= o->room) {
         const std::string_view text(reinterpret_cast<const char*>(o->body), o->count);
-        if (!isAscii(text))
-            return std::nullopt;
+        if (!isAscii(text)) return std::nullopt;
         return text;
     }
-    if (o->type == utf16Type && o->count <= o->room / 2 && fromUtf16(o->body, o->count, scratch))
-        return std::string_view(scratch);
-    return std::nullopt;
+    if (o->type != utf16Type || o->count > o->room / 2) return std::nullopt;
+    scratch.resize(3 * o->count);
+    const auto length = fromUtf16(o->body, o->count, scratch.data());
+    if (!length) return std::nullopt;
+    scratch.resize(*length);
+    return std::string_view(scratch);
 }
 
 std::optional<std::string> Document::string(Ref ref) const {
-    std::string text;
-    const auto view = stringView(ref, text);
-    if (!view)
-        return std::nullopt;
-    if (view->data() != text.data())
-        text.assign(*view);
-    return text;
+    const auto o = object(ref);
+    // A short UTF-16 string is decoded on the stack, so the result is allocated once, at its size.
+    if (o && o->type == utf16Type && o->count <= 256 && o->count <= o->room / 2) {
+        char buffer[3 * 256];
+        const auto length = fromUtf16(o->body, o->count, buffer);
+        if (!length) return std::nullopt;
+        return std::string(buffer, *length);
+    }
+    std::string scratch;
+    const auto view = stringView(ref, scratch);
+    if (!view) return std::nullopt;
+    if (view->data() != scratch.data()) return std::string(*view);
+    scratch.shrink_to_fit();
+    return scratch;
 }
 
 bool Document::keyEquals(Ref ref, std::string_view key) const {
@@ -462,8 +521,7 @@ std::optional<int64_t> Document::integer(Ref ref) const {
         // Sixteen bytes, signed: accepted when the value fits in 64 bits.
         const uint64_t high = readBigEndian(o->body, 8);
         const auto low = static_cast<int64_t>(readBigEndian(o->body + 8, 8));
-        if ((high == 0 && low >= 0) || (high == ~uint64_t{0} && low < 0))
-            return low;
+        if ((high == 0 && low >= 0) || (high == ~uint64_t{0} && low < 0)) return low;
         return std::nullopt;
     }
     }
@@ -471,12 +529,10 @@ std::optional<int64_t> Document::integer(Ref ref) const {
 
 std::optional<double> Document::real(Ref ref) const {
     const auto o = object(ref);
-    if (!o || o->type != realType)
-        return std::nullopt;
+    if (!o || o->type != realType) return std::nullopt;
     if (o->info == 2 && o->room >= 4)
         return std::bit_cast<float>(static_cast<uint32_t>(readBigEndian(o->body, 4)));
-    if (o->info == 3 && o->room >= 8)
-        return std::bit_cast<double>(readBigEndian(o->body, 8));
+    if (o->info == 3 && o->room >= 8) return std::bit_cast<double>(readBigEndian(o->body, 8));
     return std::nullopt;
 }
 
@@ -489,32 +545,27 @@ std::optional<bool> Document::boolean(Ref ref) const {
 
 std::optional<Date> Document::date(Ref ref) const {
     const auto o = object(ref);
-    if (!o || (o->type << 4 | o->info) != kDateMarker || o->room < 8)
-        return std::nullopt;
+    if (!o || (o->type << 4 | o->info) != kDateMarker || o->room < 8) return std::nullopt;
     return dateFromSince2001(std::bit_cast<double>(readBigEndian(o->body, 8)));
 }
 
 std::optional<std::vector<uint8_t>> Document::data(Ref ref) const {
     const auto o = object(ref);
-    if (!o || o->type != dataType || o->count > o->room)
-        return std::nullopt;
+    if (!o || o->type != dataType || o->count > o->room) return std::nullopt;
     return std::vector<uint8_t>(o->body, o->body + o->count);
 }
 
 std::optional<Refs> Document::array(Ref ref) const {
     const auto o = object(ref);
-    if (!o || o->type != arrayType || o->count > o->room / refSize_)
-        return std::nullopt;
+    if (!o || o->type != arrayType || o->count > o->room / refSize_) return std::nullopt;
     return refs(o->body, o->count);
 }
 
 std::optional<Dict> Document::dict(Ref ref) const {
     const auto o = object(ref);
-    if (!o || o->type != dictType || o->count > o->room / (2u * refSize_))
-        return std::nullopt;
+    if (!o || o->type != dictType || o->count > o->room / (2u * refSize_)) return std::nullopt;
     const auto all = refs(o->body, 2 * o->count);
-    if (!all)
-        return std::nullopt;
+    if (!all) return std::nullopt;
     Dict d;
     d.doc_ = this;
     d.keys_ = *all;

@@ -24,10 +24,17 @@ using Ref = uint32_t;
 
 // Writes objects children first: each call writes one object and gives its number, which a
 // container written later refers to. `finish` adds the offset table and the trailer.
-// Strings are UTF-8; bytes that are not valid UTF-8 are written as U+FFFD.
+// Numbers and booleans are written once per value and shared, which keeps a file of many
+// similar records small. Strings are UTF-8; bytes that are not valid UTF-8 are written as U+FFFD.
 class Writer {
-public:
+  public:
+    // Where a file written in pieces goes.
+    using Sink = std::function<void(std::string_view)>;
+
     Writer();
+    // Passes the file to `sink` in pieces of about a megabyte as it grows, so that it never
+    // sits in memory whole; `finish` then gives only the last piece.
+    explicit Writer(Sink sink);
 
     // Makes room for about this many bytes and objects, so a large file is built without copying.
     void reserve(size_t bytes, size_t objects);
@@ -44,20 +51,40 @@ public:
     // A dictionary of (key, value) pairs, in the order given.
     Ref dict(std::span<const std::pair<Ref, Ref>> entries);
 
-    // The whole file, with `root` as its top object. The writer is spent afterwards.
+    // The whole file (or, with a sink, its last piece), with `root` as its top object. The
+    // writer is spent afterwards.
     std::string finish(Ref root);
 
-private:
+  private:
     struct KeyHash {
         using is_transparent = void;
         size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
     };
 
+    // Refs of the numbers written so far, by their 64 bits: open addressing, so that millions
+    // of numbers cost a multiplication and a probe or two each.
+    class NumberRefs {
+      public:
+        static constexpr Ref none = ~Ref{0};
+        // The ref stored for `bits`; `none` in a new slot, for the caller to fill.
+        Ref& slot(uint64_t bits);
+
+      private:
+        std::vector<std::pair<uint64_t, Ref>> slots_;
+        size_t used_ = 0;
+    };
+
+    Sink sink_;
     std::string out_;
+    uint64_t passed_ = 0; // bytes already given to the sink
     std::vector<uint64_t> offsets_;
     std::unordered_map<std::string, Ref, KeyHash, std::equal_to<>> keys_;
-    std::u16string units_; // scratch for the UTF-16 form of a string
+    NumberRefs integers_, reals_;
+    std::optional<Ref> booleans_[2];
+    std::string utf16_; // scratch for a string's UTF-16 bytes
     Ref begin();
+    // Gives the bytes so far to the sink once they make a piece.
+    void pass();
     void marker(uint8_t type, uint64_t count);
     void putRefs(std::span<const Ref> refs);
 };
@@ -67,7 +94,7 @@ class Document;
 // The object numbers held by an array or a dictionary, read from the file on demand. They were
 // checked against the object table when the container was opened.
 class Refs {
-public:
+  public:
     size_t size() const { return count_; }
     bool empty() const { return count_ == 0; }
     // The i-th number; i < size().
@@ -86,7 +113,7 @@ public:
     iterator begin() const { return {this, 0}; }
     iterator end() const { return {this, count_}; }
 
-private:
+  private:
     friend class Document;
     const uint8_t* at_ = nullptr;
     size_t count_ = 0;
@@ -95,7 +122,7 @@ private:
 
 // A checked view of one dictionary of a document.
 class Dict {
-public:
+  public:
     // The value under this key, or nothing.
     std::optional<Ref> find(std::string_view key) const;
     size_t size() const { return keys_.size(); }
@@ -103,7 +130,7 @@ public:
     Ref keyAt(size_t i) const { return keys_[i]; }
     Ref valueAt(size_t i) const { return values_[i]; }
 
-private:
+  private:
     friend class Document;
     const Document* doc_ = nullptr;
     Refs keys_, values_;
@@ -114,7 +141,7 @@ private:
 // are wrong, so a damaged or hostile file can only fail to decode. Nothing recurses: callers
 // ask for the type they expect, so an object that contains itself simply fails that check.
 class Document {
-public:
+  public:
     // Checks the header, trailer and offset table; nothing when they are not sound.
     static std::optional<Document> open(std::span<const uint8_t> bytes);
 
@@ -137,7 +164,7 @@ public:
     // Whether the dictionary's key at `ref` equals `key` (without copying it).
     bool keyEquals(Ref ref, std::string_view key) const;
 
-private:
+  private:
     // One object's marker, parsed and checked: its type nibble, its count (a length for
     // strings, data and containers) and where its body starts.
     struct Object {

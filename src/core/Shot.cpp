@@ -2,7 +2,7 @@
 
 #include "core/Fold.h"
 
-#include <cmath>
+#include <chrono>
 
 namespace lumivale {
 
@@ -41,8 +41,11 @@ void Shot::setLines(std::vector<TextLine> newLines) {
 void Shot::refold() { folded = searchTextOf(lines, name()); }
 
 bool Shot::matches(int64_t otherSize, Date otherModified) const {
-    const double apart = std::abs(secondsSince1970(otherModified) - secondsSince1970(modified));
-    return otherSize == size && apart < 1.0;
+    // In whole nanoseconds: seconds since 1970 as doubles are too coarse to tell 1.0 s apart
+    // from a hair less.
+    const auto apart = otherModified > modified ? otherModified - modified
+                                                : modified - otherModified;
+    return otherSize == size && apart < std::chrono::seconds(1);
 }
 
 std::string searchTextOf(const std::vector<TextLine>& lines, std::string_view fileName) {

@@ -11,77 +11,92 @@ using plist::Writer;
 
 // The keys of a shot dictionary, in the order they are written.
 enum Field : uint8_t {
-    path, size, created, modified, pixelWidth, pixelHeight, lines, barcodes, guess, guessScore,
-    manual, flags, readAt, failed, reader, folded, fieldCount
+    path,
+    size,
+    created,
+    modified,
+    pixelWidth,
+    pixelHeight,
+    lines,
+    barcodes,
+    guess,
+    guessScore,
+    manual,
+    flags,
+    readAt,
+    failed,
+    reader,
+    folded,
+    fieldCount
 };
 constexpr std::array<std::string_view, fieldCount> fieldNames = {
-    "path",  "size",       "created", "modified", "pixelWidth", "pixelHeight",
-    "lines", "barcodes",   "guess",   "guessScore", "manual",   "flags",
-    "readAt", "failed",    "reader",  "folded"};
-constexpr uint32_t bit(Field f) { return uint32_t{1} << f; }
+    "path",  "size",       "created", "modified", "pixelWidth", "pixelHeight", "lines",  "barcodes",
+    "guess", "guessScore", "manual",  "flags",    "readAt",     "failed",      "reader", "folded"};
+constexpr uint32_t bit(Field f) {
+    return uint32_t{1} << f;
+}
 constexpr uint32_t requiredFields = ((uint32_t{1} << fieldCount) - 1) & ~bit(manual) & ~bit(readAt);
 
 enum LineField : uint8_t { text, x, y, w, h, lineFieldCount };
-constexpr std::array<std::string_view, lineFieldCount> lineFieldNames = {"text", "x", "y", "w", "h"};
+constexpr std::array<std::string_view, lineFieldCount> lineFieldNames = {"text", "x", "y", "w",
+                                                                         "h"};
 
 // The index of `name` in `names`, or names.size().
-template <size_t N> size_t indexOf(const std::array<std::string_view, N>& names, std::string_view name) {
+template <size_t N>
+size_t indexOf(const std::array<std::string_view, N>& names, std::string_view name) {
     for (size_t i = 0; i < N; ++i)
-        if (names[i] == name)
-            return i;
+        if (names[i] == name) return i;
     return N;
 }
 
-struct KeyRefs {
-    std::array<Ref, lineFieldCount> line;
-    explicit KeyRefs(Writer& writer) {
-        for (size_t i = 0; i < lineFieldCount; ++i)
-            line[i] = writer.key(lineFieldNames[i]);
-    }
-};
+using LineKeys = std::array<Ref, lineFieldCount>;
 
-Ref writeLine(Writer& writer, const TextLine& line, const KeyRefs& keys) {
+// The refs of the line keys, looked up once a shot rather than once a line.
+LineKeys lineKeys(Writer& writer) {
+    LineKeys keys;
+    for (size_t i = 0; i < lineFieldCount; ++i)
+        keys[i] = writer.key(lineFieldNames[i]);
+    return keys;
+}
+
+Ref writeLine(Writer& writer, const TextLine& line, const LineKeys& keys) {
     const std::array<Ref, lineFieldCount> values = {writer.string(line.text), writer.real(line.x),
                                                     writer.real(line.y), writer.real(line.w),
                                                     writer.real(line.h)};
     std::array<std::pair<Ref, Ref>, lineFieldCount> entries;
     for (size_t i = 0; i < lineFieldCount; ++i)
-        entries[i] = {keys.line[i], values[i]};
+        entries[i] = {keys[i], values[i]};
     return writer.dict(entries);
 }
 
 std::optional<TextLine> readLine(const Document& doc, Ref ref, std::string& scratch) {
     const auto dict = doc.dict(ref);
-    if (!dict)
-        return std::nullopt;
+    if (!dict) return std::nullopt;
     TextLine line;
     uint32_t seen = 0;
     for (size_t i = 0; i < dict->size(); ++i) {
         const auto name = doc.stringView(dict->keyAt(i), scratch);
-        if (!name)
-            return std::nullopt;
+        if (!name) return std::nullopt;
         const size_t field = indexOf(lineFieldNames, *name);
-        if (field == lineFieldCount)
-            continue; // a key this version does not know
-        if (seen & (uint32_t{1} << field))
-            return std::nullopt;
+        if (field == lineFieldCount) continue; // a key this version does not know
+        if (seen & (uint32_t{1} << field)) return std::nullopt;
         seen |= uint32_t{1} << field;
         const Ref value = dict->valueAt(i);
         if (field == text) {
             auto s = doc.string(value);
-            if (!s)
-                return std::nullopt;
+            if (!s) return std::nullopt;
             line.text = std::move(*s);
             continue;
         }
         const auto number = doc.real(value);
-        if (!number)
-            return std::nullopt;
-        float& coordinate = field == x ? line.x : field == y ? line.y : field == w ? line.w : line.h;
+        if (!number) return std::nullopt;
+        float& coordinate = field == x   ? line.x
+                            : field == y ? line.y
+                            : field == w ? line.w
+                                         : line.h;
         coordinate = static_cast<float>(*number);
     }
-    if (seen != (uint32_t{1} << lineFieldCount) - 1)
-        return std::nullopt;
+    if (seen != (uint32_t{1} << lineFieldCount) - 1) return std::nullopt;
     return line;
 }
 
@@ -93,8 +108,7 @@ std::optional<Shelf> readShelf(const Document& doc, Ref ref, std::string& scratc
 // Reads one field's value into the shot; false when it is mistyped or out of range.
 bool readField(const Document& doc, Field field, Ref value, Shot& shot, std::string& scratch) {
     const auto into = [](auto& target, auto&& source) {
-        if (!source)
-            return false;
+        if (!source) return false;
         target = std::move(*source);
         return true;
     };
@@ -113,22 +127,18 @@ bool readField(const Document& doc, Field field, Ref value, Shot& shot, std::str
         return into(shot.pixelHeight, doc.integer(value));
     case lines: {
         const auto items = doc.array(value);
-        if (!items)
-            return false;
+        if (!items) return false;
         shot.lines.reserve(items->size());
         for (Ref item : *items)
-            if (!into(shot.lines.emplace_back(), readLine(doc, item, scratch)))
-                return false;
+            if (!into(shot.lines.emplace_back(), readLine(doc, item, scratch))) return false;
         return true;
     }
     case barcodes: {
         const auto items = doc.array(value);
-        if (!items)
-            return false;
+        if (!items) return false;
         shot.barcodes.reserve(items->size());
         for (Ref item : *items)
-            if (!into(shot.barcodes.emplace_back(), doc.string(item)))
-                return false;
+            if (!into(shot.barcodes.emplace_back(), doc.string(item))) return false;
         return true;
     }
     case guess:
@@ -139,13 +149,11 @@ bool readField(const Document& doc, Field field, Ref value, Shot& shot, std::str
         return into(shot.manual, readShelf(doc, value, scratch));
     case flags: {
         const auto items = doc.array(value);
-        if (!items)
-            return false;
+        if (!items) return false;
         for (Ref item : *items) {
             const auto id = doc.stringView(item, scratch);
             const auto kind = id ? sensitiveKindFromId(*id) : std::nullopt;
-            if (!kind)
-                return false;
+            if (!kind) return false;
             shot.flags.insert(*kind);
         }
         return true;
@@ -167,7 +175,7 @@ bool readField(const Document& doc, Field field, Ref value, Shot& shot, std::str
 } // namespace
 
 Ref writeShot(Writer& writer, const Shot& shot) {
-    const KeyRefs keys(writer);
+    const LineKeys keys = lineKeys(writer);
     std::array<std::pair<Field, Ref>, fieldCount> values;
     size_t count = 0;
     const auto put = [&](Field field, Ref ref) { values[count++] = {field, ref}; };
@@ -190,14 +198,12 @@ Ref writeShot(Writer& writer, const Shot& shot) {
     // Shelf and flag names repeat across shots, so they are shared like keys.
     put(guess, writer.key(shelfId(shot.guess)));
     put(guessScore, writer.real(shot.guessScore));
-    if (shot.manual)
-        put(manual, writer.key(shelfId(*shot.manual)));
+    if (shot.manual) put(manual, writer.key(shelfId(*shot.manual)));
     items.clear();
     for (SensitiveKind kind : shot.flags)
         items.push_back(writer.key(sensitiveKindId(kind)));
     put(flags, writer.array(items));
-    if (shot.readAt)
-        put(readAt, writer.date(*shot.readAt));
+    if (shot.readAt) put(readAt, writer.date(*shot.readAt));
     put(failed, writer.boolean(shot.failed));
     put(reader, writer.integer(shot.reader));
     put(folded, writer.string(shot.folded));
@@ -210,26 +216,20 @@ Ref writeShot(Writer& writer, const Shot& shot) {
 
 std::optional<Shot> readShot(const Document& doc, Ref ref) {
     const auto dict = doc.dict(ref);
-    if (!dict)
-        return std::nullopt;
+    if (!dict) return std::nullopt;
     Shot shot;
     std::string scratch;
     uint32_t seen = 0;
     for (size_t i = 0; i < dict->size(); ++i) {
         const auto name = doc.stringView(dict->keyAt(i), scratch);
-        if (!name)
-            return std::nullopt;
+        if (!name) return std::nullopt;
         const auto field = static_cast<Field>(indexOf(fieldNames, *name));
-        if (field == fieldCount)
-            continue; // a key this version does not know
-        if (seen & bit(field))
-            return std::nullopt;
+        if (field == fieldCount) continue; // a key this version does not know
+        if (seen & bit(field)) return std::nullopt;
         seen |= bit(field);
-        if (!readField(doc, field, dict->valueAt(i), shot, scratch))
-            return std::nullopt;
+        if (!readField(doc, field, dict->valueAt(i), shot, scratch)) return std::nullopt;
     }
-    if ((seen & requiredFields) != requiredFields)
-        return std::nullopt;
+    if ((seen & requiredFields) != requiredFields) return std::nullopt;
     return shot;
 }
 

@@ -2,10 +2,9 @@
 
 #include "support/TempDir.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <set>
 
 using namespace lumivale;
@@ -31,8 +30,7 @@ WriteCall failingAfter(size_t budget) {
         }
         const size_t n = std::min({length, budget - *written, size_t{1000}});
         const ssize_t done = systemWrite(fd, data, n);
-        if (done > 0)
-            *written += static_cast<size_t>(done);
+        if (done > 0) *written += static_cast<size_t>(done);
         return done;
     };
 }
@@ -78,6 +76,41 @@ TEST(FileOpsTest, AFailedAtomicWriteOfANewFileLeavesNothing) {
     EXPECT_TRUE(namesIn(dir.str()).empty());
 }
 
+TEST(FileOpsTest, AnAtomicFileWrittenInPiecesReplacesTheFileOnCommit) {
+    const test::TempDir dir;
+    const std::string file = test::writeFile(dir.file("library.plist"), before);
+    {
+        AtomicFile out(file);
+        for (int i = 0; i < 5; ++i)
+            ASSERT_TRUE(out.append(after));
+        EXPECT_EQ(test::readFile(file), before) << "untouched until committed";
+        ASSERT_TRUE(out.commit());
+    }
+    EXPECT_EQ(test::readFile(file), after + after + after + after + after);
+    EXPECT_EQ(namesIn(dir.str()), std::set<std::string>{"library.plist"});
+}
+
+TEST(FileOpsTest, AnAtomicFileThatFailsOrIsAbandonedLeavesTheOldFile) {
+    const test::TempDir dir;
+    const std::string file = test::writeFile(dir.file("library.plist"), before);
+    {
+        AtomicFile out(file, failingAfter(2 * after.size() + 10));
+        EXPECT_TRUE(out.append(after));
+        EXPECT_TRUE(out.append(after));
+        EXPECT_EQ(out.append(after).code(), ENOSPC);
+        EXPECT_EQ(out.append("more").code(), ENOSPC) << "the first failure stays";
+        EXPECT_EQ(out.commit().code(), ENOSPC);
+    }
+    EXPECT_EQ(test::readFile(file), before);
+    EXPECT_EQ(namesIn(dir.str()), std::set<std::string>{"library.plist"});
+    {
+        AtomicFile out(file);
+        EXPECT_TRUE(out.append(after));
+    }
+    EXPECT_EQ(test::readFile(file), before) << "never committed";
+    EXPECT_EQ(namesIn(dir.str()), std::set<std::string>{"library.plist"});
+}
+
 TEST(FileOpsTest, WriteNewRefusesAnExistingFile) {
     const test::TempDir dir;
     const std::string file = test::writeFile(dir.file("journal.plist"), before);
@@ -100,13 +133,13 @@ TEST(FileOpsTest, AFailedNewWriteLeavesNothing) {
 }
 
 TEST(FileOpsTest, WritesIntoAFolderWithoutPermissionFail) {
-    if (test::runningAsRoot())
-        GTEST_SKIP() << "permissions do not hold for root";
+    if (test::runningAsRoot()) GTEST_SKIP() << "permissions do not hold for root";
     const test::TempDir dir;
     const std::string folder = dir.file("locked");
     fs::create_directories(folder);
     const std::string file = test::writeFile(folder + "/library.plist", before);
-    fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec, fs::perm_options::replace);
+    fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec,
+                    fs::perm_options::replace);
     EXPECT_FALSE(writeAtomically(file, after));
     EXPECT_FALSE(writeNew(folder + "/other.plist", after));
     fs::permissions(folder, fs::perms::owner_all, fs::perm_options::replace);

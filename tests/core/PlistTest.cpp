@@ -3,10 +3,10 @@
 #include "support/PlistInterop.h"
 #include "support/TempDir.h"
 
-#include <gtest/gtest.h>
-
+#include <bit>
 #include <cmath>
 #include <functional>
+#include <gtest/gtest.h>
 #include <limits>
 
 using namespace lumivale;
@@ -19,123 +19,96 @@ std::span<const uint8_t> spanOf(const std::string& s) {
     return {reinterpret_cast<const uint8_t*>(s.data()), s.size()};
 }
 
-Date at(sys_days day, nanoseconds time) { return Date(day) + time; }
+Date at(sys_days day, nanoseconds time) {
+    return Date(day) + time;
+}
 
-// A file whose top object is an array of `values`, each written by `put`.
-template <class T> std::string arrayFile(const std::vector<T>& values, Ref (*put)(Writer&, const T&)) {
+// Writes `values` into an array with `put` and reads each back with `get`.
+template <class T, class Put, class Get>
+auto roundTrip(const std::vector<T>& values, Put put, Get get) {
     Writer writer;
     std::vector<Ref> refs;
     for (const T& v : values)
         refs.push_back(put(writer, v));
-    return writer.finish(writer.array(refs));
-}
-
-// The values read back from an array file by `get`, or nothing where `get` fails.
-template <class T>
-std::vector<std::optional<T>> readBack(const std::string& file,
-                                       std::optional<T> (Document::*get)(Ref) const) {
+    const std::string file = writer.finish(writer.array(refs));
     const auto doc = Document::open(spanOf(file));
-    EXPECT_TRUE(doc);
+    std::vector<std::invoke_result_t<Get, const Document&, Ref>> back;
     const auto items = doc ? doc->array(doc->root()) : std::nullopt;
-    EXPECT_TRUE(items);
-    std::vector<std::optional<T>> out;
     if (items)
         for (Ref r : *items)
-            out.push_back(((*doc).*get)(r));
-    return out;
+            back.push_back(std::invoke(get, *doc, r));
+    return back;
 }
 
-const std::vector<int64_t> integers = {0,          1,           255,       256,      65535,
-                                       65536,      0xFFFFFFFF,  1LL << 32, INT64_MAX, -1,
-                                       -256,       INT64_MIN};
+template <class T> std::vector<std::optional<T>> optionals(const std::vector<T>& values) {
+    return {values.begin(), values.end()};
+}
+
+const auto putInteger = [](Writer& w, int64_t v) { return w.integer(v); };
+const auto putString = [](Writer& w, const std::string& v) { return w.string(v); };
+const auto putReal = [](Writer& w, double v) { return w.real(v); };
+const auto putDate = [](Writer& w, Date v) { return w.date(v); };
+
+const std::vector<int64_t> integers = {0,          1,         255,       256, 65535, 65536,
+                                       0xFFFFFFFF, 1LL << 32, INT64_MAX, -1,  -256,  INT64_MIN};
 
 const std::vector<std::string> strings = {
     "",
     "a",
-    "fourteen chars",                        // the longest length that fits in the marker
-    "fifteen chars!!",                       // the first that needs a separate length
-    std::string(300, 'x'),                   // a two-byte length
-    "café crème",                            // Latin with accents
-    "नमस्ते दुनिया",                         // Devanagari
-    "snow ☃ and 😀 and 𝄞",                   // outside the basic plane: surrogate pairs
+    "fourteen chars",      // the longest length that fits in the marker
+    "fifteen chars!!",     // the first that needs a separate length
+    std::string(300, 'x'), // a two-byte length
+    "café crème",          // Latin with accents
+    "नमस्ते दुनिया",          // Devanagari
+    "snow ☃ and 😀 and 𝄞",  // outside the basic plane: surrogate pairs
     std::string("nul\0inside", 10),
-    std::string(70000, 'y') + "é",           // a four-byte length, in UTF-16
+    std::string(70000, 'y') + "é", // a four-byte length, in UTF-16
 };
 
-const std::vector<double> reals = {0.0,  -0.0, 1.5, -1e308, 5e-324, 0.1, 1.0 / 3,
-                                   std::numeric_limits<double>::infinity()};
+const std::vector<double> reals = {0.0,    -0.0, 1.5,     -1e308,
+                                   5e-324, 0.1,  1.0 / 3, std::numeric_limits<double>::infinity()};
 
 const std::vector<Date> dates = {
-    Date(seconds(978307200)),                          // the format's own epoch
-    Date(seconds(0)),                                  // 1970
-    at(sys_days(2024y / March / 5), 37872345678us),    // microseconds survive
-    at(sys_days(1931y / December / 24), 1234567us),    // before both epochs
+    Date(seconds(978307200)),                       // the format's own epoch
+    Date(seconds(0)),                               // 1970
+    at(sys_days(2024y / March / 5), 37872345678us), // microseconds survive
+    at(sys_days(1931y / December / 24), 1234567us), // before both epochs
 };
 
 TEST(PlistTest, ScalarsRoundTrip) {
-    {
-        SCOPED_TRACE("integers");
-        const auto file = arrayFile<int64_t>(integers, [](Writer& w, const int64_t& v) { return w.integer(v); });
-        const auto back = readBack(file, &Document::integer);
-        ASSERT_EQ(back.size(), integers.size());
-        for (size_t i = 0; i < integers.size(); ++i)
-            EXPECT_EQ(back[i], integers[i]) << i;
-    }
-    {
-        SCOPED_TRACE("strings");
-        const auto file = arrayFile<std::string>(strings, [](Writer& w, const std::string& v) { return w.string(v); });
-        const auto back = readBack(file, &Document::string);
-        ASSERT_EQ(back.size(), strings.size());
-        for (size_t i = 0; i < strings.size(); ++i)
-            EXPECT_EQ(back[i], strings[i]) << i;
-    }
-    {
-        SCOPED_TRACE("reals");
-        const auto file = arrayFile<double>(reals, [](Writer& w, const double& v) { return w.real(v); });
-        const auto back = readBack(file, &Document::real);
-        ASSERT_EQ(back.size(), reals.size());
-        for (size_t i = 0; i < reals.size(); ++i) {
-            ASSERT_TRUE(back[i]) << i;
-            EXPECT_EQ(std::signbit(*back[i]), std::signbit(reals[i])) << i;
-            EXPECT_EQ(*back[i], reals[i]) << i;
-        }
-        const auto nan = readBack(arrayFile<double>({std::nan("")}, [](Writer& w, const double& v) { return w.real(v); }),
-                                  &Document::real);
-        EXPECT_TRUE(nan.at(0) && std::isnan(*nan.at(0)));
-    }
-    {
-        SCOPED_TRACE("dates");
-        const auto file = arrayFile<Date>(dates, [](Writer& w, const Date& v) { return w.date(v); });
-        const auto back = readBack(file, &Document::date);
-        ASSERT_EQ(back.size(), dates.size());
-        for (size_t i = 0; i < dates.size(); ++i)
-            EXPECT_EQ(back[i], dates[i]) << i;
-    }
-    {
-        SCOPED_TRACE("booleans");
-        const auto file = arrayFile<bool>({true, false}, [](Writer& w, const bool& v) { return w.boolean(v); });
-        const auto back = readBack(file, &Document::boolean);
-        EXPECT_EQ(back, (std::vector<std::optional<bool>>{true, false}));
-    }
-    {
-        SCOPED_TRACE("data");
-        std::vector<uint8_t> long_(300);
-        for (size_t i = 0; i < long_.size(); ++i)
-            long_[i] = static_cast<uint8_t>(i * 7);
-        const std::vector<std::vector<uint8_t>> blobs = {{}, {0, 255, 10}, long_};
-        const auto file = arrayFile<std::vector<uint8_t>>(
-            blobs, [](Writer& w, const std::vector<uint8_t>& v) { return w.data(v); });
-        const auto back = readBack(file, &Document::data);
-        ASSERT_EQ(back.size(), blobs.size());
-        for (size_t i = 0; i < blobs.size(); ++i)
-            EXPECT_EQ(back[i], blobs[i]) << i;
-    }
+    EXPECT_EQ(roundTrip(integers, putInteger, &Document::integer), optionals(integers));
+    EXPECT_EQ(roundTrip(strings, putString, &Document::string), optionals(strings));
+    EXPECT_EQ(roundTrip(dates, putDate, &Document::date), optionals(dates));
+    EXPECT_EQ(roundTrip(
+                  std::vector<bool>{true, false}, [](Writer& w, bool v) { return w.boolean(v); },
+                  &Document::boolean),
+              (std::vector<std::optional<bool>>{true, false}));
+    std::vector<uint8_t> long_(300);
+    for (size_t i = 0; i < long_.size(); ++i)
+        long_[i] = static_cast<uint8_t>(i * 7);
+    const std::vector<std::vector<uint8_t>> blobs = {{}, {0, 255, 10}, long_};
+    EXPECT_EQ(roundTrip(
+                  blobs, [](Writer& w, const std::vector<uint8_t>& v) { return w.data(v); },
+                  &Document::data),
+              optionals(blobs));
+
+    // Reals by their bits, so that -0 and not-a-number count too.
+    std::vector<double> withNan = reals;
+    withNan.push_back(std::nan(""));
+    const auto back = roundTrip(withNan, putReal, &Document::real);
+    ASSERT_EQ(back.size(), withNan.size());
+    for (size_t i = 0; i < withNan.size(); ++i)
+        EXPECT_EQ(std::bit_cast<uint64_t>(back[i].value_or(42.0)),
+                  std::bit_cast<uint64_t>(withNan[i]))
+            << i;
 }
 
-TEST(PlistTest, DatesAtTheEndsOfTheRangeComeBackWithinAMicrosecond) {
+TEST(PlistTest, DatesKeepMicrosecondsAndTheEndsOfTheirRange) {
+    EXPECT_EQ(roundTrip(std::vector<Date>{at(sys_days(2025y / July / 1), 123456789ns)}, putDate,
+                        &Document::date),
+              optionals(std::vector<Date>{at(sys_days(2025y / July / 1), 123457us)}));
     const std::vector<Date> ends = {Date::min(), Date::max()};
-    const auto back = readBack(arrayFile<Date>(ends, [](Writer& w, const Date& v) { return w.date(v); }),
-                               &Document::date);
+    const auto back = roundTrip(ends, putDate, &Document::date);
     ASSERT_EQ(back.size(), 2u);
     for (size_t i = 0; i < ends.size(); ++i) {
         ASSERT_TRUE(back[i]);
@@ -143,29 +116,23 @@ TEST(PlistTest, DatesAtTheEndsOfTheRangeComeBackWithinAMicrosecond) {
     }
 }
 
-TEST(PlistTest, DatesKeepMicroseconds) {
-    const Date exact = at(sys_days(2025y / July / 1), 123456789ns);
-    const auto back = readBack(arrayFile<Date>({exact}, [](Writer& w, const Date& v) { return w.date(v); }),
-                               &Document::date);
-    EXPECT_EQ(back.at(0), at(sys_days(2025y / July / 1), 123457us));
-}
-
 TEST(PlistTest, InvalidUtf8IsWrittenAsReplacementCharacters) {
     const struct {
         std::string in, out;
     } cases[] = {
-        {"a\xff" "b", "a\uFFFDb"},
+        {"a\xff"
+         "b",
+         "a\uFFFDb"},
         {"cut \xc3", "cut \uFFFD"},
-        {"\xed\xa0\x80", "\uFFFD\uFFFD\uFFFD"},    // an encoded surrogate
-        {"\xc0\xaf", "\uFFFD\uFFFD"},              // an overlong slash
+        {"\xed\xa0\x80", "\uFFFD\uFFFD\uFFFD"},           // an encoded surrogate
+        {"\xc0\xaf", "\uFFFD\uFFFD"},                     // an overlong slash
         {"\xf4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"}, // beyond U+10FFFF
         {"ok é \x80", "ok é \uFFFD"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.out);
-        const auto back = readBack(arrayFile<std::string>({c.in}, [](Writer& w, const std::string& v) { return w.string(v); }),
-                                   &Document::string);
-        EXPECT_EQ(back.at(0), c.out);
+        EXPECT_EQ(roundTrip(std::vector<std::string>{c.in}, putString, &Document::string),
+                  optionals(std::vector<std::string>{c.out}));
     }
 }
 
@@ -175,7 +142,8 @@ TEST(PlistTest, KeysAreWrittenOnce) {
         std::vector<Ref> dicts;
         for (int i = 0; i < 50; ++i) {
             const Ref value = writer.integer(i);
-            const Ref name = asKeys ? writer.key("a rather long key name") : writer.string("a rather long key name");
+            const Ref name = asKeys ? writer.key("a rather long key name")
+                                    : writer.string("a rather long key name");
             const std::pair<Ref, Ref> entry[] = {{name, value}};
             dicts.push_back(writer.dict(entry));
         }
@@ -197,8 +165,58 @@ TEST(PlistTest, KeysAreWrittenOnce) {
     for (size_t i = 0; i < items->size(); ++i) {
         const auto dict = doc->dict((*items)[i]);
         ASSERT_TRUE(dict);
-        EXPECT_EQ(doc->integer(dict->find("a rather long key name").value_or(0)), static_cast<int64_t>(i));
+        EXPECT_EQ(doc->integer(dict->find("a rather long key name").value_or(0)),
+                  static_cast<int64_t>(i));
     }
+}
+
+TEST(PlistTest, NumbersAndBooleansAreShared) {
+    Writer writer;
+    EXPECT_EQ(writer.integer(70000), writer.integer(70000));
+    EXPECT_EQ(writer.real(0.25), writer.real(0.25));
+    EXPECT_NE(writer.real(0.0), writer.real(-0.0));
+    EXPECT_NE(writer.real(1), writer.integer(1));
+    EXPECT_EQ(writer.boolean(false), writer.boolean(false));
+    EXPECT_NE(writer.boolean(false), writer.boolean(true));
+    // Enough distinct numbers to make the table of known numbers grow several times.
+    std::vector<Ref> refs;
+    for (int i = 0; i < 5000; ++i)
+        refs.push_back(i % 2 ? writer.real(i / 7.0) : writer.integer(i * 1000003LL));
+    for (int i = 0; i < 5000; ++i)
+        ASSERT_EQ(refs[i], i % 2 ? writer.real(i / 7.0) : writer.integer(i * 1000003LL)) << i;
+    const std::string file = writer.finish(writer.array(refs));
+    const auto doc = Document::open(spanOf(file));
+    ASSERT_TRUE(doc);
+    for (int i = 0; i < 5000; ++i)
+        if (i % 2)
+            ASSERT_EQ(doc->real(refs[i]), i / 7.0) << i;
+        else
+            ASSERT_EQ(doc->integer(refs[i]), i * 1000003LL) << i;
+}
+
+TEST(PlistTest, AWriterWithASinkGivesTheSameFileInPieces) {
+    const auto build = [](Writer& writer) {
+        std::vector<Ref> refs;
+        for (int i = 0; i < 40000; ++i)
+            refs.push_back(
+                writer.string("line " + std::to_string(i) + " with a café and some more words"));
+        return writer.finish(writer.array(refs));
+    };
+    Writer whole;
+    const std::string expected = build(whole);
+    ASSERT_GT(expected.size(), 3u << 20);
+
+    std::vector<size_t> pieces;
+    std::string joined;
+    Writer piecewise([&](std::string_view piece) {
+        pieces.push_back(piece.size());
+        joined += piece;
+    });
+    joined += build(piecewise);
+    EXPECT_EQ(joined, expected);
+    ASSERT_GE(pieces.size(), 3u);
+    for (size_t size : pieces)
+        EXPECT_LT(size, 2u << 20) << "pieces stay small";
 }
 
 TEST(PlistTest, ContainersKeepOrderAndNesting) {
@@ -206,7 +224,8 @@ TEST(PlistTest, ContainersKeepOrderAndNesting) {
     const Ref one = writer.integer(1), two = writer.string("two");
     const Ref inner = writer.array(std::vector<Ref>{one, two});
     const Ref accented = writer.key("clé");
-    const std::pair<Ref, Ref> entries[] = {{writer.key("b"), one}, {writer.key("a"), inner}, {accented, two}};
+    const std::pair<Ref, Ref> entries[] = {
+        {writer.key("b"), one}, {writer.key("a"), inner}, {accented, two}};
     const Ref root = writer.dict(entries);
     const std::string file = writer.finish(root);
 
@@ -232,9 +251,15 @@ TEST(PlistTest, ContainersKeepOrderAndNesting) {
 
 TEST(PlistTest, AccessorsCheckTheType) {
     Writer writer;
-    const std::vector<Ref> refs = {writer.integer(7), writer.real(7), writer.boolean(true), writer.date(Date{}),
-                                   writer.data(std::vector<uint8_t>{1}), writer.string("s"), writer.string("é"),
-                                   writer.array(std::vector<Ref>{}), writer.dict(std::vector<std::pair<Ref, Ref>>{})};
+    const std::vector<Ref> refs = {writer.integer(7),
+                                   writer.real(7),
+                                   writer.boolean(true),
+                                   writer.date(Date{}),
+                                   writer.data(std::vector<uint8_t>{1}),
+                                   writer.string("s"),
+                                   writer.string("é"),
+                                   writer.array(std::vector<Ref>{}),
+                                   writer.dict(std::vector<std::pair<Ref, Ref>>{})};
     const std::string file = writer.finish(writer.array(refs));
     const auto doc = Document::open(spanOf(file));
     ASSERT_TRUE(doc);
@@ -251,7 +276,8 @@ TEST(PlistTest, AccessorsCheckTheType) {
     };
     for (size_t object = 0; object < refs.size(); ++object)
         for (size_t asked = 0; asked < accessors.size(); ++asked) {
-            SCOPED_TRACE(std::string(accessors[object].first) + " read as " + accessors[asked].first);
+            SCOPED_TRACE(std::string(accessors[object].first) + " read as " +
+                         accessors[asked].first);
             const bool sameKind = std::string(accessors[object].first) == accessors[asked].first;
             EXPECT_EQ(accessors[asked].second(refs[object]), sameKind);
         }
@@ -334,7 +360,8 @@ TEST(PlistTest, OpenRejectsUnsoundHeadersAndTrailers) {
         {"largest table start", [](std::string& f) { patch(f, -8, ~uint64_t{0}, 8); }},
         {"table runs into the trailer", [](std::string& f) { patch(f, -8, f.size() - 34, 8); }},
         {"root offset in the header", [](std::string& f) { f[f.size() - 32 - 3] = 2; }},
-        {"root offset in the table", [](std::string& f) { f[f.size() - 32 - 3] = static_cast<char>(f.size() - 35); }},
+        {"root offset in the table",
+         [](std::string& f) { f[f.size() - 32 - 3] = static_cast<char>(f.size() - 35); }},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -389,7 +416,8 @@ TEST(PlistTest, AccessorsRejectUnsoundObjects) {
         {"data longer than the area", raw({0x45, 1, 2}), data},
         {"integer of 32 bytes", raw({0x15}) + std::string(32, '\0'), integer},
         {"integer cut off", raw({0x13, 0, 0, 0}), integer},
-        {"sixteen-byte integer beyond 64 bits", raw({0x14, 0, 0, 0, 0, 0, 0, 0, 1}) + e8 + "\x01", integer},
+        {"sixteen-byte integer beyond 64 bits", raw({0x14, 0, 0, 0, 0, 0, 0, 0, 1}) + e8 + "\x01",
+         integer},
         {"real of two bytes", raw({0x21, 0, 0}), real},
         {"real cut off", raw({0x23, 0, 0, 0}), real},
         {"date with a four-byte marker", raw({0x32, 0, 0, 0, 0}), date},
@@ -429,7 +457,8 @@ TEST(PlistTest, OffsetsOutsideTheObjectAreaAreRejected) {
 
 TEST(PlistTest, ContainersThatHoldThemselvesOnlyFailTheirType) {
     // Object 1 is a dictionary {"k": itself}; object 2 an array holding itself.
-    const std::string file = Assembly{{raw({0x51, 'k'}), raw({0xD1, 0, 1}), raw({0xA1, 2})}, 1}.bytes();
+    const std::string file =
+        Assembly{{raw({0x51, 'k'}), raw({0xD1, 0, 1}), raw({0xA1, 2})}, 1}.bytes();
     const auto doc = Document::open(spanOf(file));
     ASSERT_TRUE(doc);
     const auto dict = doc->dict(1);
@@ -456,7 +485,8 @@ TEST(PlistTest, PlistlibReadsWhatTheWriterWrites) {
     items.push_back(writer.boolean(true));
     items.push_back(writer.data(std::vector<uint8_t>{0, 1, 254}));
     const test::TempDir dir;
-    const std::string path = test::writeFile(dir.file("values.plist"), writer.finish(writer.array(items)));
+    const std::string path =
+        test::writeFile(dir.file("values.plist"), writer.finish(writer.array(items)));
 
     const auto leaves = test::readWithPlistlib(path);
     ASSERT_TRUE(leaves);
@@ -468,7 +498,8 @@ TEST(PlistTest, PlistlibReadsWhatTheWriterWrites) {
     for (size_t i = 0; i < reals.size(); ++i)
         expected.push_back({"float", std::to_string(i)}); // the index into `reals`
     for (Date d : dates)
-        expected.push_back({"date", std::to_string(duration_cast<microseconds>(d.time_since_epoch()).count())});
+        expected.push_back(
+            {"date", std::to_string(duration_cast<microseconds>(d.time_since_epoch()).count())});
     expected.push_back({"bool", "true"});
     expected.push_back({"data", "0001fe"});
     ASSERT_EQ(leaves->at("").value, std::to_string(expected.size()));
@@ -477,7 +508,8 @@ TEST(PlistTest, PlistlibReadsWhatTheWriterWrites) {
         SCOPED_TRACE(i);
         EXPECT_EQ(got.type, expected[i].type);
         if (got.type == "float")
-            EXPECT_EQ(std::strtod(got.value.c_str(), nullptr), reals[std::stoul(expected[i].value)]);
+            EXPECT_EQ(std::strtod(got.value.c_str(), nullptr),
+                      reals[std::stoul(expected[i].value)]);
         else
             EXPECT_EQ(got.value, expected[i].value);
     }
@@ -512,8 +544,8 @@ with open(sys.argv[1], "wb") as f:
 
     const auto ints = doc->array(top->find("ints").value());
     ASSERT_TRUE(ints);
-    const std::vector<std::optional<int64_t>> wantInts = {0, 200, 70000, 1LL << 40, -3, INT64_MAX, INT64_MIN,
-                                                          std::nullopt};
+    const std::vector<std::optional<int64_t>> wantInts = {0,  200,       70000,     1LL << 40,
+                                                          -3, INT64_MAX, INT64_MIN, std::nullopt};
     ASSERT_EQ(ints->size(), wantInts.size());
     for (size_t i = 0; i < wantInts.size(); ++i)
         EXPECT_EQ(doc->integer((*ints)[i]), wantInts[i]) << i;

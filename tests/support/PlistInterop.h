@@ -17,15 +17,13 @@ namespace lumivale::test {
 // Runs a shell command; its standard output, or nothing when it exits with a failure.
 inline std::optional<std::string> runShell(const std::string& command) {
     FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe)
-        return std::nullopt;
+    if (!pipe) return std::nullopt;
     std::string output;
     char buffer[4096];
     for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
         output.append(buffer, n);
     const int status = pclose(pipe);
-    if (status == -1 || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        return std::nullopt;
+    if (status == -1 || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return std::nullopt;
     return output;
 }
 
@@ -77,13 +75,13 @@ with open(sys.argv[1], 'rb') as f:
     walk("", plistlib.load(f))
 )";
     const auto output = runPython(script, "'" + file + "'");
-    if (!output)
-        return std::nullopt;
+    if (!output) return std::nullopt;
     std::map<std::string, Leaf> leaves;
     std::istringstream lines(*output);
     for (std::string line; std::getline(lines, line);) {
         const auto tab1 = line.find('\t'), tab2 = line.find('\t', tab1 + 1);
-        leaves[line.substr(0, tab1)] = {line.substr(tab1 + 1, tab2 - tab1 - 1), line.substr(tab2 + 1)};
+        leaves[line.substr(0, tab1)] = {line.substr(tab1 + 1, tab2 - tab1 - 1),
+                                        line.substr(tab2 + 1)};
     }
     return leaves;
 }

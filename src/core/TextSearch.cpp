@@ -1,0 +1,83 @@
+#include "core/TextSearch.h"
+
+#include <cstdint>
+#include <cstring>
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#include <immintrin.h>
+#define LUMIVALE_WIDE_SEARCH 1
+#endif
+
+namespace lumivale {
+namespace {
+
+constexpr size_t none = std::string_view::npos;
+
+#ifdef LUMIVALE_WIDE_SEARCH
+#pragma GCC push_options
+#pragma GCC target("avx2")
+// Sixty-four starts at a time: a start is worth a full comparison only where both the needle's
+// first and its last byte are in place, which in real text is rare. Needs a needle of two
+// bytes or more that fits in the text from `from` on.
+size_t findWide(std::string_view text, std::string_view needle, size_t from) {
+    const char* const data = text.data();
+    const size_t lastAt = needle.size() - 1;
+    const size_t ends = text.size() - lastAt; // every start before this leaves room for the needle
+    const char* const middle = needle.data() + 1;
+    const size_t middleSize = needle.size() - 2;
+    const __m256i firsts = _mm256_set1_epi8(needle.front());
+    const __m256i lasts = _mm256_set1_epi8(needle.back());
+    // The first start in the 64 from `at` where the whole needle is in place, or none.
+    const auto inBlock = [&](size_t at) {
+        const auto both = [&](size_t start) {
+            const __m256i heads =
+                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(data + start));
+            const __m256i tails =
+                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(data + start + lastAt));
+            return _mm256_and_si256(_mm256_cmpeq_epi8(heads, firsts),
+                                    _mm256_cmpeq_epi8(tails, lasts));
+        };
+        const __m256i low = both(at);
+        const __m256i high = both(at + 32);
+        const __m256i any = _mm256_or_si256(low, high);
+        if (_mm256_testz_si256(any, any)) return none;
+        uint64_t starts = static_cast<uint32_t>(_mm256_movemask_epi8(low)) |
+                          uint64_t{static_cast<uint32_t>(_mm256_movemask_epi8(high))} << 32;
+        for (; starts; starts &= starts - 1) {
+            const size_t start = at + static_cast<size_t>(__builtin_ctzll(starts));
+            if (std::memcmp(data + start + 1, middle, middleSize) == 0) return start;
+        }
+        return none;
+    };
+    if (ends - from >= 64) {
+        for (size_t at = from; at + 64 <= ends; at += 64)
+            if (const size_t hit = inBlock(at); hit != none) return hit;
+        // The last starts, in a block that overlaps the one before: a start seen twice was no
+        // match the first time either.
+        return inBlock(ends - 64);
+    }
+    for (size_t at = from; at < ends; ++at)
+        if (data[at] == needle.front() && data[at + lastAt] == needle.back() &&
+            std::memcmp(data + at + 1, middle, middleSize) == 0)
+            return at;
+    return none;
+}
+#pragma GCC pop_options
+
+bool hasWideSearch() {
+    static const bool has = __builtin_cpu_supports("avx2");
+    return has;
+}
+#endif
+
+} // namespace
+
+size_t findText(std::string_view text, std::string_view needle, size_t from) {
+    if (from > text.size() || needle.size() > text.size() - from) return none;
+#ifdef LUMIVALE_WIDE_SEARCH
+    if (needle.size() >= 2 && hasWideSearch()) return findWide(text, needle, from);
+#endif
+    return text.find(needle, from);
+}
+
+} // namespace lumivale

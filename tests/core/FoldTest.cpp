@@ -1,0 +1,107 @@
+#include "core/Fold.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace lumivale {
+namespace {
+
+struct Case {
+    const char* what;
+    std::string input;
+    std::string expected;
+};
+
+const std::vector<Case> foldCases = {
+    {"empty", "", ""},
+    {"plain capitals", "Invoice TOTAL 2024", "invoice total 2024"},
+    {"accents on capitals", "CAFÉ", "cafe"},
+    {"accents in words", "Crème brûlée à la carte", "creme brulee a la carte"},
+    {"a combining accent", "Cafe\u0301", "cafe"},
+    {"Swedish", "Skärmavbild", "skarmavbild"},
+    {"Vietnamese stacked marks", "Ảnh màn hình", "anh man hinh"},
+    {"a stroke is a letter, not an accent", "Đà Nẵng", "đa nang"},
+    {"sharp s folds to ss", "Straße STRAẞE", "strasse strasse"},
+    {"full-width letters and digits", "ＡＢＣ１２３", "abc123"},
+    {"full-width punctuation", "（ＯＫ）！", "(ok)!"},
+    {"ideographic space", "a\u3000b", "a b"},
+    {"full-width macron is a plain macron", "\uFFE3", "\u00AF"},
+    {"half-width symbol", "\uFFE8", "\u2502"},
+    {"half-width katakana", "ｶﾀｶﾅ", "カタカナ"},
+    {"half-width voiced mark goes like an accent", "ｶﾞｲﾄﾞ", "カイト"},
+    {"full-width voiced kana lose the mark too", "ガイド", "カイト"},
+    {"Cyrillic capitals", "ПРИВЕТ Мир", "привет мир"},
+    {"Cyrillic diaeresis and breve", "Ёлка Йошкар", "елка иошкар"},
+    {"Greek capitals with final sigma", "ΟΔΥΣΣΕΎΣ", "οδυσσευσ"},
+    {"Greek final sigma in lower case", "λόγος", "λογοσ"},
+    {"Greek breathing and circumflex", "Ἀθῆναι", "αθηναι"},
+    {"Greek dialytika with tonos", "ΰ ΐ", "υ ι"},
+    {"Devanagari vowel signs are spacing and stay", "किताब", "किताब"},
+    {"Devanagari nukta, precomposed", "फ़ोन", "फोन"},
+    {"Devanagari nukta, combining", "फ\u093Cोन", "फोन"},
+    {"Turkish dotted capital I", "İstanbul", "istanbul"},
+    {"Turkish dotless i stays", "ılık", "ılık"},
+    {"no Turkish rule for plain I", "ISTANBUL", "istanbul"},
+    {"letter ligatures are lowered, not split", "Ĳssel ǄEMAL Æsir Œuvre", "ĳssel ǆemal æsir œuvre"},
+    {"fi ligature spelled out by case folding", "ﬁle", "file"},
+    {"other compatibility forms stay", "x² ½ ① ™", "x² ½ ① ™"},
+    {"no-break spaces stay", "1\u00A0250\u202F000", "1\u00A0250\u202F000"},
+    {"Hangul syllables survive decomposition", "한국어 스크린샷", "한국어 스크린샷"},
+    {"line feeds stay", "One\nTWO\n", "one\ntwo\n"},
+    {"invalid UTF-8 becomes a replacement character",
+     "a\xFF"
+     "B",
+     "a\uFFFDb"},
+};
+
+TEST(FoldTest, FoldsCaseAccentsAndWidth) {
+    for (const Case& c : foldCases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(foldText(c.input), c.expected);
+        EXPECT_EQ(foldText(c.expected), c.expected) << "folding twice changes nothing";
+    }
+}
+
+// Search reads the folded file name back out of a shot's search text by counting line feeds,
+// which holds only if folding never reaches across a line feed.
+TEST(FoldTest, FoldsEachLineOnItsOwn) {
+    for (const Case& a : foldCases) {
+        for (const Case& b : foldCases) {
+            SCOPED_TRACE(std::string(a.what) + " / " + b.what);
+            EXPECT_EQ(foldText(a.input + "\n" + b.input),
+                      foldText(a.input) + "\n" + foldText(b.input));
+        }
+    }
+}
+
+TEST(FoldTest, DropsSeparatorsBetweenDigitsOnly) {
+    const std::vector<Case> cases = {
+        {"empty", "", ""},
+        {"no digits at all", "a, b and c", "a, b and c"},
+        {"grouping comma", "1,250", "1250"},
+        {"grouping space", "1 250", "1250"},
+        {"Indian grouping", "1,25,000", "125000"},
+        {"no-break space", "1\u00A0250", "1250"},
+        {"narrow no-break space", "1\u202F250", "1250"},
+        {"separator after a word", "a, b 12", "a, b 12"},
+        {"digit on one side only", "12, 34x", "12, 34x"},
+        {"two separators in a row", "1,,2 3 ,4", "1,,23 ,4"},
+        {"leading and trailing separators", ",1,2, 3 4 ", ",12, 34 "},
+        {"separator first and last with digits", " 1 ", " 1 "},
+        {"a run of groups", "1 2 3,4", "1234"},
+        {"decimal point is no separator", "1.250,50", "1.25050"},
+        {"tab and line feed are no separators", "1\t2\n3", "1\t2\n3"},
+        {"letters beside digits", "a 1 b", "a 1 b"},
+        {"Arabic-Indic digits are numeric", "١,٢٣٤", "١٢٣٤"},
+        {"fractions are numeric", "½ 1", "½1"},
+        {"several numbers in a text", "Total 1,250.00\nGST 2 250", "Total 1250.00\nGST 2250"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(squash(c.input), c.expected);
+    }
+}
+
+} // namespace
+} // namespace lumivale

@@ -1,0 +1,307 @@
+#include "core/SearchQuery.h"
+
+#include "core/Fold.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace lumivale {
+namespace {
+
+struct ShotSpec {
+    std::string name;
+    std::vector<std::string> lines;
+    double created = 0;   // seconds since 1970
+    double modified = -1; // same as created when negative
+};
+
+ShotPtr makeShot(const ShotSpec& spec) {
+    const double modified = spec.modified < 0 ? spec.created : spec.modified;
+    Shot shot("/home/u/Pictures/" + spec.name, 1000, dateFromSeconds(spec.created),
+              dateFromSeconds(modified));
+    std::vector<TextLine> lines;
+    for (const std::string& text : spec.lines)
+        lines.push_back({text, 0.1f, 0.1f, 0.5f, 0.05f});
+    shot.setLines(std::move(lines));
+    shot.readAt = dateFromSeconds(spec.created + 60);
+    return std::make_shared<const Shot>(std::move(shot));
+}
+
+std::vector<std::string> namesOf(const std::vector<ShotPtr>& shots) {
+    std::vector<std::string> names;
+    for (const ShotPtr& shot : shots)
+        names.emplace_back(shot->name());
+    return names;
+}
+
+TEST(SearchQueryTest, ParsesTypedText) {
+    struct Case {
+        const char* what;
+        std::string typed;
+        std::vector<std::string> terms;
+    };
+    const std::vector<Case> cases = {
+        {"nothing", "", {}},
+        {"only spaces", "   ", {}},
+        {"only white space of all kinds", " \t\n\u00A0\u3000", {}},
+        {"two words", "invoice 2024", {"invoice", "2024"}},
+        {"runs of spaces", "  invoice \t  2024  ", {"invoice", "2024"}},
+        {"folded", "CAFÉ ＡＢＣ Straße", {"cafe", "abc", "strasse"}},
+        {"squashed", "1,250", {"1250"}},
+        {"a space splits a number", "1 250", {"1", "250"}},
+        {"a quoted number is squashed", "\"1 250\"", {"1250"}},
+        {"no-break space splits outside quotes", "total\u00A0due", {"total", "due"}},
+        {"quoted phrase", "\"boarding pass\" del", {"boarding pass", "del"}},
+        {"curly quotes", "“Boarding Pass” DEL", {"boarding pass", "del"}},
+        {"a closing curly quote opens too", "”late fee“ x", {"late fee", "x"}},
+        {"quotes split words", "a\"b c\"d", {"a", "b c", "d"}},
+        {"unclosed quote runs to the end", "x \"late fee  ", {"x", "late fee"}},
+        {"empty quotes", "\"\" \"  \"", {}},
+        {"spaces and tabs trimmed inside quotes", "\" \t late  fee \t\"", {"late  fee"}},
+        {"wide and no-break spaces trimmed inside quotes", "\"\u3000fee\u00A0\"", {"fee"}},
+        {"line feeds inside quotes stay", "\"\nlate\nfee\"", {"\nlate\nfee"}},
+        {"nothing left after folding", "\u0301 \"\u0301\"", {}},
+        {"repeated terms stay", "fee fee", {"fee", "fee"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const SearchQuery query(c.typed);
+        EXPECT_EQ(query.terms, c.terms);
+        EXPECT_EQ(query.isEmpty(), c.terms.empty());
+    }
+    EXPECT_EQ(SearchQuery("Invoice  CAFÉ"), SearchQuery("invoice cafe"));
+    EXPECT_FALSE(SearchQuery("invoice") == SearchQuery("invoice cafe"));
+}
+
+TEST(SearchQueryTest, MatchesEveryTermAnywhere) {
+    const ShotPtr receipt =
+        makeShot({"IMG_0042.png", {"Café Rouge", "Invoice 2024", "Total 1,250.00"}});
+    const ShotPtr wide = makeShot({"wide.png", {"ABC order"}});
+    const ShotPtr split = makeShot({"split.png", {"late", "fee"}});
+    const ShotPtr nameOnly = makeShot({"Screenshot 2024-01-05 at 10.00.00.png", {}});
+    struct Case {
+        const char* what;
+        std::string typed;
+        ShotPtr shot;
+        bool expected;
+    };
+    const std::vector<Case> cases = {
+        {"capitals and accents", "CAFÉ", receipt, true},
+        {"full-width query", "ＡＢＣ", wide, true},
+        {"ungrouped number finds a grouped one", "1250", receipt, true},
+        {"grouped number finds itself", "1,250", receipt, true},
+        {"part of a word", "voic", receipt, true},
+        {"any order", "2024 invoice", receipt, true},
+        {"one term missing", "invoice zzz", receipt, false},
+        {"a term in the file name", "img_0042", receipt, true},
+        {"file name of a shot without text", "screenshot 2024", nameOnly, true},
+        {"no terms", "   ", split, true},
+        {"separate words on separate lines", "late fee", split, true},
+        {"a quoted phrase does not reach across lines", "\"late fee\"", split, false},
+        {"a quoted line feed does", "\"late\nfee\"", split, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(SearchQuery(c.typed).matches(*c.shot), c.expected);
+    }
+}
+
+TEST(SearchQueryTest, MarksLinesThatHoldAnyTerm) {
+    const ShotPtr receipt =
+        makeShot({"receipt.png", {"Subtotal 100", "GST 18%", "Total 1,250.00", "Thank you"}});
+    const ShotPtr spaced = makeShot({"spaced.png", {"Amount", "Total 1 250"}});
+    const ShotPtr cafe = makeShot({"cafe.png", {"Café au lait", "Tea"}});
+    const ShotPtr split = makeShot({"split.png", {"late", "fee"}});
+    const ShotPtr empty = makeShot({"Screenshot 2024.png", {}});
+    struct Case {
+        const char* what;
+        std::string typed;
+        ShotPtr shot;
+        std::vector<size_t> expected;
+    };
+    const std::vector<Case> cases = {
+        {"either of two words", "total gst", receipt, {0, 1, 2}},
+        {"part of a word", "thank", receipt, {3}},
+        {"ungrouped number", "1250", receipt, {2}},
+        {"grouped number", "1,250", receipt, {2}},
+        {"quoted spaced number", "\"1 250\"", spaced, {1}},
+        {"accents", "CAFÉ", cafe, {0}},
+        {"no terms", "", receipt, {}},
+        {"a term nowhere", "zzz", receipt, {}},
+        {"a phrase split over lines", "\"late fee\"", split, {}},
+        {"a shot without lines", "screenshot", empty, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(SearchQuery(c.typed).hitLines(*c.shot), c.expected);
+    }
+}
+
+// Each case spells out the scores in its comments; the dates are chosen so that a wrong score
+// changes the order.
+TEST(SearchQueryTest, RanksByScoreThenNewestFirst) {
+    struct Case {
+        const char* what;
+        std::string typed;
+        std::vector<ShotSpec> shots;
+        std::vector<std::string> expected;
+    };
+    const std::vector<Case> cases = {
+        {"occurrences count up to five",
+         "fee",
+         {{"nine.png", {"x fee fee fee fee fee fee fee fee fee"}, 100}, // 5
+          {"five.png", {"x fee fee fee fee fee"}, 200},                 // 5
+          {"four.png", {"x fee fee fee fee"}, 300}},                    // 4
+         {"five.png", "nine.png", "four.png"}},
+        {"starting a line is worth two",
+         "fee",
+         {{"first.png", {"fee first", "x"}, 100}, // 1 + 2
+          {"later.png", {"x", "fee later"}, 50},  // 1 + 2
+          {"three.png", {"x fee fee fee"}, 200},  // 3
+          {"two.png", {"x fee fee"}, 300}},       // 2
+         {"three.png", "first.png", "later.png", "two.png"}},
+        {"the file name is worth one, besides its occurrence and line start",
+         "fee",
+         {{"my-fee.png", {"x fee"}, 100},        // 2 occurrences + 1 name
+          {"plain.png", {"x fee fee fee"}, 200}, // 3
+          {"FEE-list.png", {"x"}, 50}},          // 1 + 2 line start + 1 name
+         {"FEE-list.png", "plain.png", "my-fee.png"}},
+        {"terms add up and must all be there",
+         "fee total",
+         {{"both.png", {"x fee", "x total"}, 100},      // 1 + 1
+          {"fee-only.png", {"x fee fee fee"}, 300},     // no total
+          {"twice.png", {"x fee fee", "x total"}, 50}}, // 2 + 1
+         {"twice.png", "both.png"}},
+        {"an accented file name is folded",
+         "angstrom",
+         {{"Ångström.png", {"x"}, 100},                              // 1 + 2 + 1
+          {"b.png", {"x angstrom angstrom angstrom angstrom"}, 50}}, // 4
+         {"Ångström.png", "b.png"}},
+        {"the file name is taken as folded, not as squashed",
+         ",5",
+         {{"Снимок 1,5.png", {"x"}, 100}, // 1 + 1 name
+          {"c.png", {"x ,5 ,5"}, 50}},    // 2
+         {"Снимок 1,5.png", "c.png"}},
+        {"a squashed number is not in the folded file name",
+         "15",
+         {{"Снимок 1,5.png", {"x"}, 50}, // 1, in the squashed copy only
+          {"d.png", {"x 15"}, 100}},     // 1
+         {"d.png", "Снимок 1,5.png"}},
+        {"lines holding line feeds before an accented name",
+         "unicode",
+         {{"Ünïcode.png", {"a\nb 1 2", "c"}, 100},                       // 2 (both copies) + 2 + 1
+          {"e.png", {"x unicode unicode unicode unicode"}, 200},         // 4
+          {"f.png", {"x unicode unicode unicode unicode unicode"}, 50}}, // 5
+         {"Ünïcode.png", "f.png", "e.png"}},
+        {"equal scores and dates keep their order",
+         "fee",
+         {{"p.png", {"x fee"}, 100}, {"q.png", {"x fee"}, 100}, {"r.png", {"x fee"}, 100}},
+         {"p.png", "q.png", "r.png"}},
+        {"equal scores and dates keep their order, reversed",
+         "fee",
+         {{"r.png", {"x fee"}, 100}, {"q.png", {"x fee"}, 100}, {"p.png", {"x fee"}, 100}},
+         {"r.png", "q.png", "p.png"}},
+        {"no terms: every shot, newest first by the earlier of its dates",
+         " \t ",
+         {{"a.png", {}, 300, 100}, {"b.png", {}, 200, 250}, {"c.png", {}, 150, 150}},
+         {"b.png", "c.png", "a.png"}},
+        {"ties go by the earlier of the two dates",
+         "fee",
+         {{"old-file.png", {"x fee"}, 500, 10}, {"new-file.png", {"x fee"}, 100, 400}},
+         {"new-file.png", "old-file.png"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::vector<ShotPtr> shots;
+        for (const ShotSpec& spec : c.shots)
+            shots.push_back(makeShot(spec));
+        EXPECT_EQ(namesOf(SearchQuery(c.typed).rank(shots)), c.expected);
+    }
+}
+
+// The ranking read literally: occurrences are the pieces the search text splits into, minus
+// one; the file name is folded afresh.
+int literalScore(const Shot& shot, const std::vector<std::string>& terms) {
+    int score = 0;
+    const std::string& text = shot.folded;
+    for (const std::string& term : terms) {
+        int pieces = 1;
+        for (size_t at = text.find(term); at != std::string::npos;
+             at = text.find(term, at + term.size()))
+            ++pieces;
+        score += std::min(pieces - 1, 5);
+        if (text.starts_with(term) || text.find("\n" + term) != std::string::npos) score += 2;
+        if (foldText(shot.name()).find(term) != std::string::npos) score += 1;
+    }
+    return score;
+}
+
+std::vector<ShotPtr> literalRank(const SearchQuery& query, const std::vector<ShotPtr>& shots) {
+    std::vector<std::pair<int, ShotPtr>> kept;
+    for (const ShotPtr& shot : shots) {
+        const bool all =
+            std::all_of(query.terms.begin(), query.terms.end(), [&](const std::string& t) {
+                return shot->folded.find(t) != std::string::npos;
+            });
+        if (all) kept.emplace_back(literalScore(*shot, query.terms), shot);
+    }
+    std::stable_sort(kept.begin(), kept.end(), [](const auto& a, const auto& b) {
+        return a.first != b.first ? a.first > b.first : a.second->date() > b.second->date();
+    });
+    std::vector<ShotPtr> out;
+    for (auto& [score, shot] : kept)
+        out.push_back(shot);
+    return out;
+}
+
+TEST(SearchQueryTest, RanksAsTheRuleReadsLiterally) {
+    std::mt19937 random(7);
+    const auto pick = [&](const std::vector<std::string>& from) {
+        return from[random() % from.size()];
+    };
+    const std::vector<std::string> words = {
+        "total",  "Total",  "TOTAL",  "fee",   "late",   "café", "CAFÉ",
+        "Straße", "Снимок", "экрана", "1,250", "1 250",  "12",   "34",
+        "a",      "aa",     "x",      ",",     "ＡＢＣ", "a\na", "ĳ"};
+    const std::vector<std::string> names = {"Screenshot 2024-01-02 at 10.11.12.png",
+                                            "Снимок экрана 1,5.png",
+                                            "IMG 1 2.png",
+                                            "fee.png",
+                                            "Café total.png",
+                                            "a\na.png",
+                                            "Ångström 12 34.png",
+                                            "x.png",
+                                            "ＡＢＣ.png",
+                                            "TOTAL-fee 1,250.jpg"};
+    const std::vector<std::string> typedTerms = {
+        "total",  "fee",     "cafe", "1250",         "12",  "a",       "aa", "\"a\na\"",
+        "снимок", ",5",      "15",   "\"late fee\"", "png", "strasse", "x",  "\"\na\"",
+        "abc",    "\"1 2\"", "ĳ",    "screenshot"};
+    std::vector<ShotPtr> shots;
+    for (int i = 0; i < 300; ++i) {
+        ShotSpec spec{
+            std::to_string(i) + "/" + pick(names), {}, double(random() % 4), double(random() % 4)};
+        for (size_t line = random() % 5; line > 0; --line) {
+            std::string text = pick(words);
+            for (size_t more = random() % 5; more > 0; --more)
+                text.append(" ").append(pick(words));
+            spec.lines.push_back(text);
+        }
+        shots.push_back(makeShot(spec));
+    }
+    for (int round = 0; round < 300; ++round) {
+        std::string typed = pick(typedTerms);
+        for (size_t more = random() % 3; more > 0; --more)
+            typed.append(" ").append(pick(typedTerms));
+        SCOPED_TRACE(typed);
+        const SearchQuery query(typed);
+        ASSERT_EQ(namesOf(query.rank(shots)), namesOf(literalRank(query, shots)));
+    }
+}
+
+} // namespace
+} // namespace lumivale

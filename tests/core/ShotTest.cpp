@@ -1,0 +1,243 @@
+#include "core/Shot.h"
+
+#include "core/Library.h"
+
+#include <chrono>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace lumivale {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::nanoseconds;
+
+// A date with a fraction, as file systems give them.
+const Date base = dateFromSeconds(1717000000) + nanoseconds(123456789);
+
+std::vector<TextLine> linesOf(const std::vector<std::string>& texts) {
+    std::vector<TextLine> lines;
+    for (const std::string& text : texts)
+        lines.push_back({text, 0.1f, 0.2f, 0.3f, 0.04f});
+    return lines;
+}
+
+TEST(ShotTest, KeepsItsSearchText) {
+    struct Case {
+        const char* what;
+        std::string path;
+        std::vector<std::string> lines;
+        std::string text, folded;
+    };
+    const std::vector<Case> cases = {
+        {"no lines: a line feed and the name", "/p/Screenshot.PNG", {}, "", "\nscreenshot.png"},
+        {"one empty line", "/p/a.png", {""}, "", "\na.png"},
+        {"nothing to squash",
+         "/p/Note.png",
+         {"Hello", "World"},
+         "Hello\nWorld",
+         "hello\nworld\nnote.png"},
+        {"folded", "/p/x.png", {"CAFÉ ＡＢＣ"}, "CAFÉ ＡＢＣ", "cafe abc\nx.png"},
+        {"a grouped number adds the squashed copy",
+         "/p/r.png",
+         {"Total 1,250.00"},
+         "Total 1,250.00",
+         "total 1,250.00\nr.png\ntotal 1250.00\nr.png"},
+        {"a grouped number in the name",
+         "/p/IMG 1 2.png",
+         {"Menu"},
+         "Menu",
+         "menu\nimg 1 2.png\nmenu\nimg 12.png"},
+        {"digits on separate lines stay apart", "/p/d.png", {"1", "2"}, "1\n2", "1\n2\nd.png"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Shot shot(c.path, 1, base, base);
+        shot.setLines(linesOf(c.lines));
+        EXPECT_EQ(shot.lines, linesOf(c.lines));
+        EXPECT_EQ(shot.text(), c.text);
+        EXPECT_EQ(shot.folded, c.folded);
+        EXPECT_EQ(searchTextOf(shot.lines, shot.name()), c.folded);
+
+        Shot stale = shot;
+        stale.folded = "stale";
+        stale.refold();
+        EXPECT_EQ(stale.folded, c.folded);
+    }
+}
+
+TEST(ShotTest, SplitsItsPath) {
+    struct Case {
+        std::string path, name, folder;
+    };
+    const std::vector<Case> cases = {
+        {"/home/u/Pictures/Screenshot 1.png", "Screenshot 1.png", "/home/u/Pictures"},
+        {"/a.png", "a.png", "/"},
+        {"a.png", "a.png", ""},
+        {"/home/u/.hidden/x", "x", "/home/u/.hidden"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.path);
+        const Shot shot(c.path, 1, base, base);
+        EXPECT_EQ(shot.name(), c.name);
+        EXPECT_EQ(shot.folder(), c.folder);
+    }
+}
+
+TEST(ShotTest, TakesItsShelfByHandFirst) {
+    struct Case {
+        const char* what;
+        Shelf guess;
+        std::optional<Shelf> manual;
+        SensitiveKinds flags;
+        Shelf category;
+        bool sensitive;
+    };
+    const std::vector<Case> cases = {
+        {"the guess alone", Shelf::bills, std::nullopt, {}, Shelf::bills, false},
+        {"by hand wins", Shelf::bills, Shelf::chats, {}, Shelf::chats, false},
+        {"IDs guessed, no flags", Shelf::ids, std::nullopt, {}, Shelf::ids, true},
+        {"IDs guessed, other by hand", Shelf::ids, Shelf::other, {}, Shelf::other, false},
+        {"other by hand with a flag",
+         Shelf::ids,
+         Shelf::other,
+         {SensitiveKind::taxID},
+         Shelf::other,
+         true},
+        {"IDs by hand", Shelf::maps, Shelf::ids, {}, Shelf::ids, true},
+        {"a flag on any shelf",
+         Shelf::code,
+         std::nullopt,
+         {SensitiveKind::cardNumber},
+         Shelf::code,
+         true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Shot shot("/p/a.png", 1, base, base);
+        shot.guess = c.guess;
+        shot.manual = c.manual;
+        shot.flags = c.flags;
+        EXPECT_EQ(shot.category(), c.category);
+        EXPECT_EQ(shot.isSensitive(), c.sensitive);
+    }
+}
+
+TEST(ShotTest, IsTakenAtTheEarlierDate) {
+    const Date later = base + milliseconds(1);
+    EXPECT_EQ(Shot("/a", 1, base, later).date(), base);
+    EXPECT_EQ(Shot("/a", 1, later, base).date(), base);
+    EXPECT_EQ(Shot("/a", 1, later, later).date(), later);
+}
+
+TEST(ShotTest, MatchesTheSameFileWithinASecond) {
+    struct Case {
+        const char* what;
+        int64_t size;
+        nanoseconds apart;
+        bool expected;
+    };
+    const std::vector<Case> cases = {
+        {"same size and date", 500, nanoseconds(0), true},
+        {"0.999 s later", 500, milliseconds(999), true},
+        {"0.999 s earlier", 500, -milliseconds(999), true},
+        {"a hair under a second", 500, nanoseconds(999'999'999), true},
+        {"1.0 s later", 500, milliseconds(1000), false},
+        {"1.0 s earlier", 500, -milliseconds(1000), false},
+        {"far off", 500, std::chrono::hours(24), false},
+        {"another size", 501, nanoseconds(0), false},
+    };
+    const Shot shot("/p/a.png", 500, base, base);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(shot.matches(c.size, base + c.apart), c.expected);
+    }
+}
+
+Shot readShot(const std::string& path, std::vector<std::string> lines) {
+    Shot shot(path, 2048, base, base);
+    shot.setLines(linesOf(lines));
+    shot.readAt = base + std::chrono::seconds(3);
+    shot.guess = Shelf::bills;
+    shot.guessScore = 7.5;
+    shot.manual = Shelf::tickets;
+    shot.flags = {SensitiveKind::passport};
+    shot.reader = 1;
+    return shot;
+}
+
+TEST(ShotTest, LibraryMovesAShotWithEverythingItKnows) {
+    Library library;
+    library.put(readShot("/p/Screenshot 1.png", {"Boarding pass"}));
+    library.move("/p/Screenshot 1.png", "/archive/Tickets/Flight to Delhi.png");
+
+    EXPECT_EQ(library.find("/p/Screenshot 1.png"), nullptr);
+    const Shot* moved = library.find("/archive/Tickets/Flight to Delhi.png");
+    ASSERT_NE(moved, nullptr);
+    Shot expected = readShot("/archive/Tickets/Flight to Delhi.png", {"Boarding pass"});
+    EXPECT_EQ(*moved, expected);
+    EXPECT_EQ(moved->folded, "boarding pass\nflight to delhi.png");
+    EXPECT_EQ(library.shots.size(), 1u);
+}
+
+TEST(ShotTest, LibraryMoveOntoAShotReplacesIt) {
+    Library library;
+    library.put(readShot("/p/a.png", {"first"}));
+    library.put(readShot("/p/b.png", {"second"}));
+    library.move("/p/a.png", "/p/b.png");
+    ASSERT_EQ(library.shots.size(), 1u);
+    EXPECT_EQ(library.find("/p/b.png")->lines, linesOf({"first"}));
+    EXPECT_EQ(library.find("/p/b.png")->path, "/p/b.png");
+}
+
+TEST(ShotTest, LibraryMoveOfNothingChangesNothing) {
+    Library library;
+    library.put(readShot("/p/a.png", {"x"}));
+    const Library before = library;
+    library.move("/p/missing.png", "/p/a.png");
+    ASSERT_EQ(library.shots.size(), 1u);
+    EXPECT_EQ(library.shots.at("/p/a.png"), before.shots.at("/p/a.png"));
+}
+
+TEST(ShotTest, LibraryPrunesWhatIsGone) {
+    struct Case {
+        const char* what;
+        std::unordered_set<std::string> keeping;
+        int64_t removed;
+        size_t left;
+    };
+    const std::vector<Case> cases = {
+        {"keep all", {"/p/a.png", "/p/b.png", "/p/c.png"}, 0, 3},
+        {"keep one, and a path the library never had", {"/p/b.png", "/p/zzz.png"}, 2, 1},
+        {"keep none", {}, 3, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Library library;
+        for (const char* path : {"/p/a.png", "/p/b.png", "/p/c.png"})
+            library.put(readShot(path, {}));
+        EXPECT_EQ(library.prune(c.keeping), c.removed);
+        EXPECT_EQ(library.shots.size(), c.left);
+        for (const auto& [path, shot] : library.shots)
+            EXPECT_TRUE(c.keeping.count(path)) << path;
+    }
+}
+
+TEST(ShotTest, LibraryUpdatesACopy) {
+    Library library;
+    library.put(readShot("/p/a.png", {"x"}));
+    const ShotPtr before = library.shots.at("/p/a.png");
+    EXPECT_TRUE(library.update("/p/a.png", [](Shot& shot) { shot.manual = Shelf::maps; }));
+    EXPECT_EQ(library.find("/p/a.png")->manual, Shelf::maps);
+    EXPECT_EQ(before->manual, Shelf::tickets) << "a shot someone still holds never changes";
+    EXPECT_FALSE(library.update("/p/none.png", [](Shot& shot) { shot.manual = Shelf::maps; }));
+    EXPECT_EQ(library.shots.size(), 1u);
+
+    EXPECT_TRUE(library.update("/p/a.png", [](Shot& shot) { shot.path = "/p/elsewhere.png"; }));
+    EXPECT_EQ(library.find("/p/a.png")->path, "/p/a.png") << "the key and the path agree";
+    EXPECT_EQ(library.find("/p/elsewhere.png"), nullptr);
+}
+
+} // namespace
+} // namespace lumivale
