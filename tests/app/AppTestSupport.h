@@ -5,6 +5,7 @@
 
 #include "app/AppModel.h"
 #include "app/Scheduler.h"
+#include "core/Reading.h"
 
 #include <QFont>
 #include <QGuiApplication>
@@ -12,8 +13,12 @@
 #include <QPainter>
 #include <QPointer>
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <filesystem>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -104,5 +109,63 @@ inline void drawPicture(const std::string& path, const std::vector<std::string>&
     painter.end();
     image.save(QString::fromStdString(path));
 }
+
+// The record of a picture on disk as a scan would have stored it after reading it: same size
+// and dates, so a later scan leaves it alone.
+inline Shot readShotOf(const std::string& path, Shelf guess, std::vector<std::string> words,
+                       Date readAt) {
+    struct stat st {};
+    ::stat(path.c_str(), &st);
+    const Date modified(std::chrono::seconds(st.st_mtim.tv_sec) +
+                        std::chrono::nanoseconds(st.st_mtim.tv_nsec));
+    Shot shot(path, static_cast<int64_t>(st.st_size), modified, modified);
+    std::vector<TextLine> lines;
+    for (std::string& text : words)
+        lines.push_back({std::move(text), 0.1f, 0.5f, 0.5f, 0.05f});
+    shot.setLines(std::move(lines));
+    shot.guess = guess;
+    shot.guessScore = 3;
+    shot.readAt = readAt;
+    shot.reader = readerVersion;
+    return shot;
+}
+
+// A Trash of the test's own: files are moved into `folder` (numbered when the name is taken)
+// and the new place is reported; paths in `refused` are turned away with `reason`.
+class FolderTrash {
+public:
+    explicit FolderTrash(std::string folder) : folder_(std::move(folder)) {}
+
+    std::set<std::string> refused;
+    std::string reason = "The Trash is not available";
+
+    const std::string& folder() const { return folder_; }
+    // What the folder holds, by name.
+    std::set<std::string> names() const {
+        std::set<std::string> out;
+        std::error_code ec;
+        for (const auto& entry : std::filesystem::directory_iterator(folder_, ec))
+            out.insert(entry.path().filename().string());
+        return out;
+    }
+
+    Trasher trasher() {
+        return [this](const std::string& path) {
+            if (refused.count(path))
+                return TrashOutcome::failure(reason);
+            namespace fs = std::filesystem;
+            fs::create_directories(folder_);
+            std::string target = folder_ + "/" + fs::path(path).filename().string();
+            for (int n = 2; fs::exists(target); ++n)
+                target = folder_ + "/" + std::to_string(n) + " " + fs::path(path).filename().string();
+            std::error_code ec;
+            fs::rename(path, target, ec);
+            return ec ? TrashOutcome::failure(ec.message()) : TrashOutcome::landedAt(target);
+        };
+    }
+
+private:
+    std::string folder_;
+};
 
 } // namespace lumivale::test
