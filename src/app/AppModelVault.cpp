@@ -164,8 +164,9 @@ std::optional<std::string> AppModel::restore(const LockedShot& item, const std::
         flash(restored.error().description(), true);
         return std::nullopt;
     }
-    refreshVault();
+    // Cleared before the refresh, so the views it notifies see no selection.
     lockedSelection_.reset();
+    refreshVault();
     const std::string name = restored->substr(restored->rfind('/') + 1);
     flash("Restored \u201c" + name + "\u201d to " + tildePath(folder));
     return restored.value();
@@ -183,9 +184,8 @@ bool AppModel::discard(const LockedShot& item) {
         flash(done.error().description(), true);
         return false;
     }
-    refreshVault();
     lockedSelection_.reset();
-    emit vaultChanged();
+    refreshVault();
     return true;
 }
 
