@@ -1,15 +1,13 @@
 // Filing, trashing and undoing through the application model, on real files in a temporary
 // tree: the library follows the files, every run is journaled, and the banner says what happened.
-#include "app/AppModel.h"
-
 #include "AppTestSupport.h"
+#include "app/AppModel.h"
 #include "app/TidyChoices.h"
 #include "support/TempDir.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <filesystem>
+#include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
@@ -59,7 +57,8 @@ public:
         AppModel::Services services;
         services.clock = [this] { return clock; };
         services.scheduler = scheduler;
-        services.confirm = [this](const std::string& m, const std::string& d, const std::string& b) {
+        services.confirm = [this](const std::string& m, const std::string& d,
+                                  const std::string& b) {
             questions.push_back({m, d, b});
             return agree;
         };
@@ -68,8 +67,8 @@ public:
             ++reads;
             return Reading{};
         };
-        model = std::make_unique<AppModel>(Paths::at(tmp.file("data"), shots(), archive()), settings,
-                                           services);
+        model = std::make_unique<AppModel>(Paths::at(tmp.file("data"), shots(), archive()),
+                                           settings, services);
         return *model;
     }
 
@@ -177,8 +176,9 @@ TEST(AppModelTidy, theArchiveBecomesAReadFolderWhenItWasNotOne) {
         test::readShotOf(world.shot(receipt.name), receipt.shelf, receipt.words, world.clock));
     AppModel& model = world.make(); // its folders are not built yet
     ASSERT_TRUE(model.sources().empty());
-    const TidyPlan plan = Tidy::plan(std::vector<ShotPtr>{shot}, world.archive(), TidyLayout::byCategory,
-                                     false, [](const std::string& path) { return fs::exists(path); });
+    const TidyPlan plan =
+        Tidy::plan(std::vector<ShotPtr>{shot}, world.archive(), TidyLayout::byCategory, false,
+                   [](const std::string& path) { return fs::exists(path); });
 
     ASSERT_TRUE(model.tidy(plan));
     const auto archive = std::find_if(model.sources().begin(), model.sources().end(),
@@ -198,7 +198,10 @@ TEST(AppModelTidy, filesThatWentMissingAreCountedAndOnlyWhatMovedCanBeUndone) {
     const Case cases[] = {
         {{}, "Moved 2 screenshots", false, 12s},
         {{"receipt.png"}, "Moved 1; 1 screenshot couldn't be moved: No longer there", true, 12s},
-        {{"receipt.png", "chat.png"}, "Moved 0; 2 screenshots couldn't be moved: No longer there", true, 4s},
+        {{"receipt.png", "chat.png"},
+         "Moved 0; 2 screenshots couldn't be moved: No longer there",
+         true,
+         4s},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.banner);
@@ -243,10 +246,23 @@ TEST(AppModelTidy, trashingAsksFirstAndRecordsWhereEachFileWent) {
     };
     const Case cases[] = {
         {"declined", false, {"receipt.png"}, {}, "Put 1 screenshot in the Trash?", std::nullopt},
-        {"one", true, {"receipt.png"}, {}, "Put 1 screenshot in the Trash?", "Put in the Trash: 1 screenshot"},
-        {"two", true, {"receipt.png", "chat.png"}, {}, "Put 2 screenshots in the Trash?",
+        {"one",
+         true,
+         {"receipt.png"},
+         {},
+         "Put 1 screenshot in the Trash?",
+         "Put in the Trash: 1 screenshot"},
+        {"two",
+         true,
+         {"receipt.png", "chat.png"},
+         {},
+         "Put 2 screenshots in the Trash?",
          "Put in the Trash: 2 screenshots"},
-        {"one refused", true, {"receipt.png", "chat.png"}, {"chat.png"}, "Put 2 screenshots in the Trash?",
+        {"one refused",
+         true,
+         {"receipt.png", "chat.png"},
+         {"chat.png"},
+         "Put 2 screenshots in the Trash?",
          "Put in the Trash: 1; 1 screenshot couldn't be moved: The Trash is not available"},
     };
     for (const Case& c : cases) {
@@ -261,17 +277,18 @@ TEST(AppModelTidy, trashingAsksFirstAndRecordsWhereEachFileWent) {
             world.trash.refused.insert(world.shot(name));
 
         const std::optional<TidyResult> result = model.trash(paths);
-        EXPECT_EQ(world.questions, (std::vector<Question>{{c.question, trashDetail, "Move to Trash"}}));
+        EXPECT_EQ(world.questions,
+                  (std::vector<Question>{{c.question, trashDetail, "Move to Trash"}}));
         ASSERT_EQ(result.has_value(), c.agree);
         ASSERT_EQ(model.banner().has_value(), c.banner.has_value());
         std::vector<Move> gone;
         for (const std::string& path : paths) {
             const std::string name = fs::path(path).filename();
-            const bool went = c.agree && std::find(c.refused.begin(), c.refused.end(), name) == c.refused.end();
+            const bool went =
+                c.agree && std::find(c.refused.begin(), c.refused.end(), name) == c.refused.end();
             EXPECT_EQ(fs::exists(path), !went) << name;
             EXPECT_EQ(model.library().find(path) == nullptr, went) << name;
-            if (went)
-                gone.push_back({path, world.trash.folder() + "/" + name});
+            if (went) gone.push_back({path, world.trash.folder() + "/" + name});
         }
         EXPECT_EQ(world.trash.names().size(), gone.size());
         EXPECT_NE(model.library().find(world.shot(map.name)), nullptr);
@@ -301,8 +318,7 @@ TEST(AppModelTidy, trashingTheSelectedScreenshotClearsTheSelection) {
         model.setSelection(world.shot(c.selected));
         ASSERT_TRUE(model.trash({world.shot(receipt.name)}));
         std::optional<std::string> expected;
-        if (c.after)
-            expected = world.shot(*c.after);
+        if (c.after) expected = world.shot(*c.after);
         EXPECT_EQ(model.selection(), expected);
     }
 }
@@ -374,8 +390,7 @@ TEST(AppModelTidy, undoOfFilesMovedOnElsewhereSaysHowManyCouldNotComeBack) {
         std::set<std::string> movedFrom;
         for (const Move& move : filed->journal.entries) {
             const std::string name = fs::path(move.from).filename();
-            if (std::find(c.movedOn.begin(), c.movedOn.end(), name) == c.movedOn.end())
-                continue;
+            if (std::find(c.movedOn.begin(), c.movedOn.end(), name) == c.movedOn.end()) continue;
             fs::create_directories(world.tmp.file("Elsewhere"));
             fs::rename(move.to, world.tmp.file("Elsewhere/" + name));
             movedFrom.insert(move.from);

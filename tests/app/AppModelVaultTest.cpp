@@ -1,16 +1,13 @@
 // The locked area as the application model runs it: confirmation and authentication in front of
 // every lock, the originals going to the Trash, opening, listing, restoring and discarding, and
 // the timer that closes the area again by itself.
-#include "app/AppModel.h"
-
 #include "AppTestSupport.h"
+#include "app/AppModel.h"
 #include "support/TempDir.h"
 
-#include <gtest/gtest.h>
-
 #include <QDir>
-
 #include <filesystem>
+#include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
@@ -70,7 +67,8 @@ public:
         AppModel::Services services;
         services.clock = [this] { return clock; };
         services.scheduler = scheduler;
-        services.confirm = [this](const std::string& m, const std::string& d, const std::string& b) {
+        services.confirm = [this](const std::string& m, const std::string& d,
+                                  const std::string& b) {
             questions.push_back({m, d, b});
             return agree;
         };
@@ -80,9 +78,11 @@ public:
         };
         services.keySource = keys;
         services.trasher = trash.trasher();
-        services.read = [](const std::string&, const std::vector<std::string>&) { return Reading{}; };
-        model = std::make_unique<AppModel>(Paths::at(tmp.file("data"), shots(), tmp.file("archive")),
-                                           settings, services);
+        services.read = [](const std::string&, const std::vector<std::string>&) {
+            return Reading{};
+        };
+        model = std::make_unique<AppModel>(
+            Paths::at(tmp.file("data"), shots(), tmp.file("archive")), settings, services);
         model->load();
         return *model;
     }
@@ -117,7 +117,9 @@ TEST(AppModelVault, lockingOneOrMoreSaysSoAndSendsTheOriginalsToTheTrash) {
         std::string question, banner;
     };
     const Case cases[] = {
-        {{"passport.png"}, "Lock away 1 screenshot?", "Locked 1 screenshot. The originals are in the Trash."},
+        {{"passport.png"},
+         "Lock away 1 screenshot?",
+         "Locked 1 screenshot. The originals are in the Trash."},
         {{"passport.png", "card.png"},
          "Lock away 2 screenshots?",
          "Locked 2 screenshots. The originals are in the Trash."},
@@ -189,8 +191,7 @@ TEST(AppModelVault, aDeclinedOrFailedGateLocksNothing) {
         VaultWorld world;
         world.agree = c.agree;
         world.owner = c.owner;
-        if (c.keyringRefuses)
-            world.keys = std::make_shared<RefusingKey>(*c.keyringRefuses);
+        if (c.keyringRefuses) world.keys = std::make_shared<RefusingKey>(*c.keyringRefuses);
         const std::string path = world.picture("passport.png");
         AppModel& model = world.open({path});
 
@@ -209,8 +210,7 @@ TEST(AppModelVault, aDeclinedOrFailedGateLocksNothing) {
         }
 
         // Opening the locked area goes through the same gate, without a question.
-        if (!c.agree)
-            continue;
+        if (!c.agree) continue;
         model.unlockVault();
         EXPECT_FALSE(model.vaultOpen());
         EXPECT_TRUE(model.lockedItems().empty());
@@ -228,8 +228,8 @@ TEST(AppModelVault, whatCouldNotBeLockedOrTrashedNeedsAnotherTry) {
     struct Case {
         const char* name;
         std::vector<std::string> names;
-        std::vector<std::string> vanish;   // deleted after the scan
-        std::vector<std::string> unknown;  // on disk but not in the library
+        std::vector<std::string> vanish;  // deleted after the scan
+        std::vector<std::string> unknown; // on disk but not in the library
         std::vector<std::string> trashRefuses;
         std::string banner;
         size_t lockedFiles;
@@ -237,10 +237,29 @@ TEST(AppModelVault, whatCouldNotBeLockedOrTrashedNeedsAnotherTry) {
     };
     const Case cases[] = {
         {"the file is gone", {"a.png"}, {"a.png"}, {}, {}, "Locked 0; 1 need another try", 0, {}},
-        {"one of two is gone", {"a.png", "b.png"}, {"b.png"}, {}, {}, "Locked 1; 1 need another try", 1, {}},
-        {"not in the library", {"a.png"}, {}, {"stray.png"}, {}, "Locked 1; 1 need another try", 1,
+        {"one of two is gone",
+         {"a.png", "b.png"},
+         {"b.png"},
+         {},
+         {},
+         "Locked 1; 1 need another try",
+         1,
+         {}},
+        {"not in the library",
+         {"a.png"},
+         {},
+         {"stray.png"},
+         {},
+         "Locked 1; 1 need another try",
+         1,
          {"stray.png"}},
-        {"the Trash refuses", {"a.png", "b.png"}, {}, {}, {"b.png"}, "Locked 2; 1 need another try", 2,
+        {"the Trash refuses",
+         {"a.png", "b.png"},
+         {},
+         {},
+         {"b.png"},
+         "Locked 2; 1 need another try",
+         2,
          {"b.png"}},
     };
     for (const Case& c : cases) {
@@ -268,7 +287,8 @@ TEST(AppModelVault, whatCouldNotBeLockedOrTrashedNeedsAnotherTry) {
             EXPECT_FALSE(world.trash.names().count(name)) << name;
         }
         for (const std::string& name : c.trashRefuses)
-            EXPECT_NE(model.library().find(world.shot(name)), nullptr) << "its original stayed: " << name;
+            EXPECT_NE(model.library().find(world.shot(name)), nullptr)
+                << "its original stayed: " << name;
     }
 }
 
@@ -294,8 +314,8 @@ TEST(AppModelVault, unlockingListsNewestFirstAndCountsFilesOfAnotherKey) {
             const std::string other = world.tmp.file("other " + std::to_string(i) + ".png");
             test::drawPicture(other, {"sealed under an old key"}, 400);
             ASSERT_TRUE(Vault(world.vaultDir())
-                            .lock(test::readShotOf(other, Shelf::ids, {}, world.clock), VaultKey::random(),
-                                  world.clock));
+                            .lock(test::readShotOf(other, Shelf::ids, {}, world.clock),
+                                  VaultKey::random(), world.clock));
         }
         model.flash("before");
         EXPECT_FALSE(model.vaultOpen());
@@ -304,7 +324,8 @@ TEST(AppModelVault, unlockingListsNewestFirstAndCountsFilesOfAnotherKey) {
         model.unlockVault();
         EXPECT_TRUE(model.vaultOpen());
         EXPECT_EQ(world.reasons.back(), "open your locked screenshots");
-        EXPECT_EQ(namesOf(model.lockedItems()), (std::vector<std::string>{"newer.png", "older.png"}));
+        EXPECT_EQ(namesOf(model.lockedItems()),
+                  (std::vector<std::string>{"newer.png", "older.png"}));
         EXPECT_EQ(model.vaultCount(), 2 + c.foreign);
         ASSERT_TRUE(model.banner());
         EXPECT_EQ(model.banner()->text, c.banner.value_or("before"));
@@ -351,8 +372,9 @@ TEST(AppModelVault, refreshingFollowsTheFolderOpenOrClosed) {
     const auto lockBehindItsBack = [&](const std::string& name) {
         const std::string path = world.tmp.file(name);
         test::drawPicture(path, {name}, 400);
-        ASSERT_TRUE(Vault(world.vaultDir()).lock(test::readShotOf(path, Shelf::ids, {}, world.clock),
-                                                 world.key, world.clock + 1h));
+        ASSERT_TRUE(Vault(world.vaultDir())
+                        .lock(test::readShotOf(path, Shelf::ids, {}, world.clock), world.key,
+                              world.clock + 1h));
     };
 
     lockBehindItsBack("b.png");
@@ -382,8 +404,8 @@ TEST(AppModelVault, lockedImagesOpenOnlyWithTheKeptKey) {
     const std::string foreign = world.tmp.file("foreign.png");
     test::drawPicture(foreign, {"another key"}, 400);
     const auto other = Vault(world.vaultDir())
-                           .lock(test::readShotOf(foreign, Shelf::ids, {}, world.clock), VaultKey::random(),
-                                 world.clock);
+                           .lock(test::readShotOf(foreign, Shelf::ids, {}, world.clock),
+                                 VaultKey::random(), world.clock);
     ASSERT_TRUE(other);
     const std::string id = Vault(world.vaultDir()).list(world.key).items.at(0).id;
 
@@ -392,7 +414,8 @@ TEST(AppModelVault, lockedImagesOpenOnlyWithTheKeptKey) {
     const std::optional<QImage> image = model.lockedImage(id);
     ASSERT_TRUE(image);
     EXPECT_EQ(image->size(), original.size());
-    EXPECT_EQ(image->convertToFormat(QImage::Format_RGB32), original.convertToFormat(QImage::Format_RGB32));
+    EXPECT_EQ(image->convertToFormat(QImage::Format_RGB32),
+              original.convertToFormat(QImage::Format_RGB32));
     EXPECT_FALSE(model.lockedImage(other->id)) << "sealed under another key";
     EXPECT_FALSE(model.lockedImage("00000000-0000-0000-0000-000000000000"));
 }
@@ -419,12 +442,14 @@ TEST(AppModelVault, restoringWritesThePictureBackAndNamesTheFolderFromHome) {
         model.lock({a, b});
         model.unlockVault();
         const size_t asked = world.reasons.size();
-        const LockedShot item = *std::find_if(model.lockedItems().begin(), model.lockedItems().end(),
-                                              [](const LockedShot& i) { return i.shot.name() == "passport.png"; });
+        const LockedShot item =
+            *std::find_if(model.lockedItems().begin(), model.lockedItems().end(),
+                          [](const LockedShot& i) { return i.shot.name() == "passport.png"; });
         model.setLockedSelection(item.id);
         // What a view sees when it is told that the locked area changed.
         std::vector<std::optional<std::string>> seen;
-        QObject::connect(&model, &AppModel::vaultChanged, [&] { seen.push_back(model.lockedSelection()); });
+        QObject::connect(&model, &AppModel::vaultChanged,
+                         [&] { seen.push_back(model.lockedSelection()); });
 
         const std::optional<std::string> restored = model.restore(item, folder);
         ASSERT_TRUE(restored);
@@ -458,8 +483,9 @@ TEST(AppModelVault, aFailedRestoreKeepsTheLockedFileAndSaysWhy) {
     EXPECT_FALSE(model.restore(item, world.shots()));
     ASSERT_TRUE(model.banner());
     EXPECT_TRUE(model.banner()->isError);
-    EXPECT_EQ(model.banner()->text,
-              Vault(world.vaultDir()).restore(item.id, world.shots(), world.key).error().description());
+    EXPECT_EQ(
+        model.banner()->text,
+        Vault(world.vaultDir()).restore(item.id, world.shots(), world.key).error().description());
     EXPECT_EQ(test::readFile(a), "a newer file");
     EXPECT_EQ(model.vaultCount(), 1);
     EXPECT_EQ(world.lockedFiles(), 1u);
@@ -487,15 +513,15 @@ TEST(AppModelVault, discardingAsksFirstAndHandsTheLockedFileToTheTrash) {
         AppModel& model = world.open({a, b});
         model.lock({a, b});
         model.unlockVault();
-        const LockedShot item = *std::find_if(model.lockedItems().begin(), model.lockedItems().end(),
-                                              [](const LockedShot& i) { return i.shot.name() == "passport.png"; });
+        const LockedShot item =
+            *std::find_if(model.lockedItems().begin(), model.lockedItems().end(),
+                          [](const LockedShot& i) { return i.shot.name() == "passport.png"; });
         const std::string file = Vault(world.vaultDir()).pathOf(item.id);
         model.setLockedSelection(item.id);
         model.flash("before");
         world.questions.clear();
         world.agree = c.agree;
-        if (c.trashRefuses)
-            world.trash.refused.insert(file);
+        if (c.trashRefuses) world.trash.refused.insert(file);
         const std::set<std::string> trashedBefore = world.trash.names();
 
         EXPECT_EQ(model.discard(item), c.gone);
@@ -530,8 +556,14 @@ TEST(AppModelVault, theAreaClosesItselfOnTime) {
     const Case cases[] = {
         {"zero minutes still keeps it open half a minute", 0, {{Step::unlock}}, 30s},
         {"five minutes", 5, {{Step::unlock}}, 300s},
-        {"working in it restarts the time", 5, {{Step::unlock}, {Step::wait, 200s}, {Step::touch}}, 500s},
-        {"leaving the app gives it a minute", 5, {{Step::unlock}, {Step::wait, 10s}, {Step::leave}}, 70s},
+        {"working in it restarts the time",
+         5,
+         {{Step::unlock}, {Step::wait, 200s}, {Step::touch}},
+         500s},
+        {"leaving the app gives it a minute",
+         5,
+         {{Step::unlock}, {Step::wait, 10s}, {Step::leave}},
+         70s},
         {"coming back does not cancel that minute",
          5,
          {{Step::unlock}, {Step::wait, 10s}, {Step::leave}, {Step::wait, 20s}, {Step::comeBack}},
@@ -558,12 +590,24 @@ TEST(AppModelVault, theAreaClosesItselfOnTime) {
         const auto start = world.scheduler->now();
         for (const Step& step : c.steps) {
             switch (step.kind) {
-            case Step::unlock: model.unlockVault(); break;
-            case Step::close: model.lockVault(); break;
-            case Step::touch: model.touchVault(); break;
-            case Step::leave: emit qGuiApp->applicationStateChanged(Qt::ApplicationInactive); break;
-            case Step::comeBack: emit qGuiApp->applicationStateChanged(Qt::ApplicationActive); break;
-            case Step::wait: world.scheduler->advance(step.seconds); break;
+            case Step::unlock:
+                model.unlockVault();
+                break;
+            case Step::close:
+                model.lockVault();
+                break;
+            case Step::touch:
+                model.touchVault();
+                break;
+            case Step::leave:
+                emit qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
+                break;
+            case Step::comeBack:
+                emit qGuiApp->applicationStateChanged(Qt::ApplicationActive);
+                break;
+            case Step::wait:
+                world.scheduler->advance(step.seconds);
+                break;
             }
         }
         ASSERT_TRUE(model.vaultOpen());

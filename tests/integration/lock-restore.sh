@@ -33,7 +33,6 @@ pam=(env LD_PRELOAD=libpam_wrapper.so PAM_WRAPPER=1 PAM_WRAPPER_SERVICE_DIR="$ho
 
 # Runs a command on a terminal of its own and types PASSWORD when the prompt shows (typing
 # earlier would be flushed away). Standard output goes to OUT, the terminal's text to SCREEN.
-# Usage: typed PASSWORD OUT SCREEN COMMAND...
 cat > "$home/typed.py" <<'PY'
 import os, pty, select, sys, time
 password, out, screen, command = sys.argv[1], sys.argv[2], sys.argv[3], sys.argv[4:]
@@ -63,7 +62,11 @@ while True:
 open(screen, "wb").write(seen)
 sys.exit(os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1]))
 PY
-typed() { "$py" "$home/typed.py" "$@"; }
+# Runs lumivale ARGS with PAM under pam_wrapper, typing PASSWORD; its standard output lands in
+# $home/NAME.out and its terminal's text in $home/NAME.screen. Usage: typed PASSWORD NAME ARGS...
+typed() {
+    "$py" "$home/typed.py" "$1" "$home/$2.out" "$home/$2.screen" "${pam[@]}" "$lumivale" "${@:3}"
+}
 
 "$lumivale" fixtures "$shots" > "$home/fixtures.tsv"
 passport="$(awk -F'\t' '$1 == "passport" { print $4 }' "$home/fixtures.tsv")"
@@ -73,10 +76,19 @@ cp -p "$passport" "$home/passport-before"
 "$lumivale" scan --json > /dev/null
 "$lumivale" list --json > "$home/list-before.json"
 grep -qF "\"$passport\"" "$home/list-before.json" || fail "the scan did not find the passport"
-[ -n "$("$lumivale" search Z1234567)" ] || fail "before locking, search should find the passport number"
+[ -n "$("$lumivale" search Z1234567)" ] || fail "search should find the passport number"
+
+# A file that is not in the library is not locked.
+echo "notes" > "$home/notes.png"
+if "$lumivale" lock --yes "$home/notes.png" < /dev/null 2> "$home/stray.err"; then
+    fail "lock took a file that is not in the library"
+fi
+grep -q "isn't in the library" "$home/stray.err" || fail "lock: $(cat "$home/stray.err")"
+[ -f "$home/notes.png" ] && [ ! -d "$XDG_DATA_HOME/Trash" ] && [ ! -d "$locked" ] ||
+    fail "a file outside the library was touched"
 
 # Lock it away: one password question, then the banner.
-typed "$password" "$home/lock.out" "$home/lock.screen" "${pam[@]}" "$lumivale" lock --yes "$passport" ||
+typed "$password" lock lock --yes "$passport" ||
     fail "lock failed: $(cat "$home/lock.out" "$home/lock.screen")"
 [ "$(grep -c "Password to lock screenshots away: " "$home/lock.screen")" -eq 1 ] ||
     fail "expected one password prompt: $(cat "$home/lock.screen")"
@@ -85,28 +97,29 @@ grep -qx "Locked 1 screenshot. The originals are in the Trash." "$home/lock.out"
 
 [ "$(find "$locked" -name '*.lvlock' | wc -l)" -eq 1 ] || fail "expected one locked file"
 lockfile="$(find "$locked" -name '*.lvlock')"
-if grep -aqE "DORAN|Z1234567" "$lockfile"; then fail "the locked file shows the passport's words"; fi
-cmp -s "$XDG_DATA_HOME/Trash/files/$name" "$home/passport-before" || fail "the original is not in the Trash"
+if grep -aqE "DORAN|Z1234567" "$lockfile"; then fail "the locked file shows the words"; fi
+cmp -s "$XDG_DATA_HOME/Trash/files/$name" "$home/passport-before" ||
+    fail "the original is not in the Trash"
 [ -f "$XDG_DATA_HOME/Trash/info/$name.trashinfo" ] || fail "the Trash has no record of the original"
 [ ! -e "$passport" ] || fail "the original is still in the screenshot folder"
 "$lumivale" list --json > "$home/list-after.json"
-[ "$(wc -l < "$home/list-after.json")" -eq 15 ] || fail "expected fifteen screenshots left in the library"
-if grep -qF "\"$passport\"" "$home/list-after.json"; then fail "the library still lists the passport"; fi
+[ "$(wc -l < "$home/list-after.json")" -eq 15 ] || fail "expected fifteen screenshots left"
+if grep -qF "\"$passport\"" "$home/list-after.json"; then fail "the library still lists it"; fi
 [ -z "$("$lumivale" search Z1234567)" ] || fail "search still finds the passport number"
 secret-tool lookup service app.orvane.lumivale.vault account vault-key > "$home/key" ||
     fail "the key is not in the keyring"
 [ -s "$home/key" ] || fail "the keyring holds an empty key"
 
 # A wrong password opens nothing.
-if typed "not my password" "$home/wrong.out" "$home/wrong.screen" "${pam[@]}" "$lumivale" locked --json; then
+if typed "not my password" wrong locked --json; then
     fail "a wrong password opened the locked area"
 fi
 [ ! -s "$home/wrong.out" ] || fail "a wrong password listed: $(cat "$home/wrong.out")"
 
-typed "$password" "$home/locked.json" "$home/locked.screen" "${pam[@]}" "$lumivale" locked --json ||
+typed "$password" locked locked --json ||
     fail "locked failed: $(cat "$home/locked.screen")"
-grep -q "Password to open your locked screenshots: " "$home/locked.screen" || fail "no password prompt"
-id="$("$py" - "$home/locked.json" "$name" "$shots" "$(basename "$lockfile" .lvlock)" <<'PY'
+grep -q "Password to open your locked screenshots: " "$home/locked.screen" || fail "no prompt"
+id="$("$py" - "$home/locked.out" "$name" "$shots" "$(basename "$lockfile" .lvlock)" <<'PY'
 import json, sys
 items = [json.loads(l) for l in open(sys.argv[1]) if l.strip()]
 assert len(items) == 1, items
@@ -118,7 +131,7 @@ PY
 )"
 
 # Restore it: the same bytes and modification time, back in the screenshot folder.
-typed "$password" "$home/restore.out" "$home/restore.screen" "${pam[@]}" "$lumivale" restore "$id" ||
+typed "$password" restore restore "$id" ||
     fail "restore failed: $(cat "$home/restore.out" "$home/restore.screen")"
 grep -qxF "Restored “$name” to ~/Pictures/Screenshots" "$home/restore.out" ||
     fail "unexpected banner: $(cat "$home/restore.out")"
