@@ -145,14 +145,17 @@ void AppModel::start() {
     } else {
         showWelcome_ = true;
     }
-    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
-        if (state == Qt::ApplicationActive) {
-            if (Settings::boolean(settings_, Settings::welcomeDone).value_or(false))
-                rescan();
-        } else {
-            applicationLeft();
-        }
-    });
+    // Only the step out of the active state counts as leaving: going on from inactive to
+    // hidden must not restart the minute. The application starts in front.
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
+            [this, wasActive = true](Qt::ApplicationState state) mutable {
+                const bool active = state == Qt::ApplicationActive;
+                if (active && Settings::boolean(settings_, Settings::welcomeDone).value_or(false))
+                    rescan();
+                else if (!active && wasActive)
+                    applicationLeft();
+                wasActive = active;
+            });
 }
 
 void AppModel::rebuildSources() {

@@ -84,7 +84,9 @@ int tidy(std::vector<std::string> args) {
     Session session(yes);
     AppModel& model = session.model();
     const TidyPlan plan = fileIntoFolders(model, choices);
-    if (choices.scope == TidyScope::loose && tidyCandidates(model, choices).empty() && !json) {
+    TidyChoices everyLoose = choices;
+    everyLoose.keepPrivate = false;
+    if (choices.scope == TidyScope::loose && tidyCandidates(model, everyLoose).empty() && !json) {
         std::cout << "No loose screenshots: they're all filed already.\n";
         return Exit::done;
     }

@@ -542,7 +542,7 @@ TEST(AppModelVault, discardingAsksFirstAndHandsTheLockedFileToTheTrash) {
 
 // One thing that happens to the open locked area, at a moment.
 struct Step {
-    enum Kind { unlock, close, touch, leave, comeBack, wait } kind;
+    enum Kind { unlock, close, touch, leave, hide, comeBack, wait } kind;
     std::chrono::seconds seconds{};
 };
 
@@ -567,6 +567,10 @@ TEST(AppModelVault, theAreaClosesItselfOnTime) {
         {"coming back does not cancel that minute",
          5,
          {{Step::unlock}, {Step::wait, 10s}, {Step::leave}, {Step::wait, 20s}, {Step::comeBack}},
+         70s},
+        {"going on from inactive to hidden does not restart that minute",
+         5,
+         {{Step::unlock}, {Step::wait, 10s}, {Step::leave}, {Step::wait, 20s}, {Step::hide}},
          70s},
         {"working in it after coming back restarts the full time",
          5,
@@ -601,6 +605,9 @@ TEST(AppModelVault, theAreaClosesItselfOnTime) {
                 break;
             case Step::leave:
                 emit qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
+                break;
+            case Step::hide:
+                emit qGuiApp->applicationStateChanged(Qt::ApplicationHidden);
                 break;
             case Step::comeBack:
                 emit qGuiApp->applicationStateChanged(Qt::ApplicationActive);
