@@ -302,7 +302,7 @@ void trainTicket(Canvas& c) {
 
 void recipe(Canvas& c) {
     c.window("Masala Chai — Recipe", false);
-    c.text("Masala Chai", 60, 100, sans(38, QFont::Bold), 0x3B2412);
+    c.text("Masala Chai", 60, 98, sans(34, QFont::Bold), 0x3B2412);
     c.text("Serves 2 · 10 minutes", 60, 132, sans(17), 0x8A6A50);
 
     // A cup of chai on a saucer.
