@@ -67,28 +67,12 @@ uint32_t tokenColour(const QString& token, const CodeStyle& style) {
 }
 
 ZXing::BarcodeFormat formatOf(BarcodeKind kind) {
-    switch (kind) {
-    case BarcodeKind::qr:
-        return ZXing::BarcodeFormat::QRCode;
-    case BarcodeKind::aztec:
-        return ZXing::BarcodeFormat::Aztec;
-    case BarcodeKind::code128:
-        break;
-    }
-    return ZXing::BarcodeFormat::Code128;
+    return kind == BarcodeKind::qr ? ZXing::BarcodeFormat::QRCode : ZXing::BarcodeFormat::Aztec;
 }
 
 // Empty modules a reader needs around each kind of symbol.
 int quietModules(BarcodeKind kind) {
-    switch (kind) {
-    case BarcodeKind::qr:
-        return 4;
-    case BarcodeKind::aztec:
-        return 2;
-    case BarcodeKind::code128:
-        break;
-    }
-    return 10;
+    return kind == BarcodeKind::qr ? 4 : 2;
 }
 
 } // namespace
@@ -277,37 +261,28 @@ void Canvas::barcode(BarcodeKind kind, const QString& payload, const QRectF& r) 
     try {
         matrix = ZXing::MultiFormatWriter(formatOf(kind))
                      .setMargin(0)
-                     .encode(payload.toStdWString(), 0, kind == BarcodeKind::code128 ? 1 : 0);
+                     .encode(payload.toStdWString(), 0, 0);
     } catch (const std::exception&) {
         return; // a payload the symbology cannot hold draws nothing
     }
-    if (matrix.width() == 0 || matrix.height() == 0) return;
-    const bool linear = kind == BarcodeKind::code128;
-    const int quiet = quietModules(kind);
-    const int columns = matrix.width() + 2 * quiet;
-    const int rows = linear ? 1 : matrix.height() + 2 * quiet;
+    const int side = std::max(matrix.width(), matrix.height()) + 2 * quietModules(kind);
     // Whole pixels per module keep the edges sharp for a reader.
-    const int module = static_cast<int>(
-        std::floor(std::min(2 * r.width() / columns, linear ? 1e9 : 2 * r.height() / rows)));
-    if (module < 1) return;
-    const double side = module / 2.0;
-    const double symbolW = columns * side;
-    const double symbolH = linear ? r.height() : rows * side;
-    const double left = std::round(2 * (r.x() + (r.width() - symbolW) / 2)) / 2;
-    const double top = std::round(2 * (r.y() + (r.height() - symbolH) / 2)) / 2;
+    const int module = static_cast<int>(std::floor(2 * std::min(r.width(), r.height()) / side));
+    if (matrix.width() == 0 || module < 1) return;
+    const double step = module / 2.0;
+    const double size = side * step;
+    const double left = std::round(2 * (r.x() + (r.width() - size) / 2)) / 2;
+    const double top = std::round(2 * (r.y() + (r.height() - size) / 2)) / 2;
+    const double inset = quietModules(kind) * step;
     painter_->save();
     painter_->setRenderHint(QPainter::Antialiasing, false);
-    painter_->fillRect(QRectF(left, top, symbolW, symbolH), Qt::white);
+    painter_->fillRect(QRectF(left, top, size, size), Qt::white);
     for (int my = 0; my < matrix.height(); ++my)
         for (int mx = 0; mx < matrix.width(); ++mx)
-            if (matrix.get(mx, my)) {
-                const double bx = left + (mx + quiet) * side;
-                if (linear)
-                    painter_->fillRect(QRectF(bx, top, side, symbolH), Qt::black);
-                else
-                    painter_->fillRect(QRectF(bx, top + (my + quiet) * side, side, side),
-                                       Qt::black);
-            }
+            if (matrix.get(mx, my))
+                painter_->fillRect(
+                    QRectF(left + inset + mx * step, top + inset + my * step, step, step),
+                    Qt::black);
     painter_->restore();
 }
 

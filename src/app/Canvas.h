@@ -41,7 +41,7 @@ struct Bubble {
     QString sender;
 };
 
-enum class BarcodeKind { qr, aztec, code128 };
+enum class BarcodeKind { qr, aztec };
 
 class Canvas {
   public:
@@ -93,8 +93,8 @@ class Canvas {
     void path(const QPainterPath& p, uint32_t colour, double lineWidth);
     // A vertical gradient through the colours, evenly spaced from top to bottom.
     void gradient(const QRectF& r, const std::vector<uint32_t>& colours);
-    // A QR, Aztec or Code 128 symbol holding payload, black on white, centred in r with a
-    // whole number of pixels per module.
+    // A QR or Aztec symbol holding payload, black on white with its quiet zone, centred in r
+    // with a whole number of pixels per module.
     void barcode(BarcodeKind kind, const QString& payload, const QRectF& r);
 
   private:

@@ -221,44 +221,45 @@ void receipt(Canvas& c) {
 }
 
 void hardwareReceipt(Canvas& c) {
-    paper(c, QRectF(100, 24, 360, 690), 0xFFFEF8, true);
-    const QFont body = Canvas::mono(14);
-    const double left = 126, right = 434, mid = 280;
+    paper(c, QRectF(100, 30, 360, 650), 0xFFFEF8, true);
+    const QFont body = Canvas::mono(15), bold = Canvas::mono(17, true);
+    const double left = 122, right = 438, mid = 280, step = 27;
     constexpr uint32_t thermal = 0x1F1F1F;
-    c.text("CORNER HARDWARE CO.", mid, 72, Canvas::mono(18, true), thermal, Qt::AlignHCenter);
-    c.text("218 Mill Street", mid, 98, body, thermal, Qt::AlignHCenter);
-    c.text("Springfield, IL 62701", mid, 118, body, thermal, Qt::AlignHCenter);
-    c.text("(217) 555-0142", mid, 138, body, thermal, Qt::AlignHCenter);
-    c.text("Receipt #20931", left, 176, body, thermal);
-    c.text("09/26/2026  10:12 AM", left, 198, body, thermal);
-    c.dash(left, right, 214, thermal);
-
-    const std::pair<const char*, const char*> items[] = {{"WOOD SCREWS 50PK", "6.49"},
-                                                         {"PAINT ROLLER 9IN", "11.99"},
-                                                         {"MASKING TAPE 2PK", "7.58"},
-                                                         {"SANDPAPER ASST", "5.29"}};
-    double y = 240;
-    for (const auto& [item, amount] : items) {
-        c.text(item, left, y, body, thermal);
-        c.text(amount, right, y, body, thermal, Qt::AlignRight);
-        y += 24;
+    double y = 86;
+    auto row = [&](const char* label, const char* amount, const QFont& font) {
+        c.text(label, left, y, font, thermal);
+        if (*amount) c.text(amount, right, y, font, thermal, Qt::AlignRight);
+        y += step;
+    };
+    c.text("CORNER HARDWARE CO.", mid, y, Canvas::mono(19, true), thermal, Qt::AlignHCenter);
+    y += 30;
+    for (const char* line : {"218 Mill Street", "Springfield, IL 62701", "(217) 555-0142"}) {
+        c.text(line, mid, y, body, thermal, Qt::AlignHCenter);
+        y += 22;
     }
-    c.dash(left, right, y - 8, thermal);
-    y += 16;
-    c.text("SUBTOTAL", left, y, body, thermal);
-    c.text("31.35", right, y, body, thermal, Qt::AlignRight);
-    c.text("TAX 8.0%", left, y + 24, body, thermal);
-    c.text("2.51", right, y + 24, body, thermal, Qt::AlignRight);
-    c.text("TOTAL", left, y + 52, Canvas::mono(16, true), thermal);
-    c.text("$33.86", right, y + 52, Canvas::mono(16, true), thermal, Qt::AlignRight);
-    y += 92;
-    c.text("VISA ending 4417", left, y, body, thermal);
-    c.text("33.86", right, y, body, thermal, Qt::AlignRight);
-    c.text("CHANGE DUE $0.00", left, y + 24, body, thermal);
-    c.text("CASHIER: ORLI", left, y + 60, body, thermal);
-    c.text("THANK YOU", mid, y + 110, Canvas::mono(18, true), thermal, Qt::AlignHCenter);
-    c.text("PLEASE COME AGAIN", mid, y + 134, body, thermal, Qt::AlignHCenter);
-    c.barcode(BarcodeKind::code128, "20931", QRectF(150, y + 154, 260, 54));
+    y += 22;
+    row("Receipt #20931", "", body);
+    row("09/26/2026  10:12 AM", "", body);
+    c.dash(left, right, y - 10, thermal);
+    y += 14;
+    row("WOOD SCREWS 50PK", "6.49", body);
+    row("PAINT ROLLER 9IN", "11.99", body);
+    row("MASKING TAPE 2PK", "7.58", body);
+    row("SANDPAPER ASST", "5.29", body);
+    c.dash(left, right, y - 10, thermal);
+    y += 14;
+    row("SUBTOTAL", "31.35", body);
+    row("TAX 8.0%", "2.51", body);
+    y += 4;
+    row("TOTAL", "$33.86", bold);
+    y += 14;
+    row("VISA ending 4417", "33.86", body);
+    row("CHANGE DUE $0.00", "", body);
+    y += 14;
+    row("CASHIER: ORLI", "", body);
+    y += 30;
+    c.text("THANK YOU", mid, y, Canvas::mono(19, true), thermal, Qt::AlignHCenter);
+    c.text("PLEASE COME AGAIN", mid, y + 26, body, thermal, Qt::AlignHCenter);
 }
 
 void trainTicket(Canvas& c) {
@@ -301,7 +302,7 @@ void trainTicket(Canvas& c) {
 
 void recipe(Canvas& c) {
     c.window("Masala Chai — Recipe", false);
-    c.text("Masala Chai", 60, 100, sans(38, QFont::Bold), 0x3B2412);
+    c.text("Masala Chai", 60, 98, sans(34, QFont::Bold), 0x3B2412);
     c.text("Serves 2 · 10 minutes", 60, 132, sans(17), 0x8A6A50);
 
     // A cup of chai on a saucer.

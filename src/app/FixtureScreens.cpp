@@ -76,12 +76,18 @@ void upiPayment(Canvas& c) {
 void boardingPass(Canvas& c) {
     c.statusBar("5:52", false);
     c.text("Boarding Pass", 24, 100, sans(30, QFont::Bold), 0x0F172A);
-    const QRectF card(20, 122, 350, 690);
+    const QRectF card(20, 122, 350, 668);
     c.fill(card, 0xFFFFFF, 22);
-
-    c.disc(QPointF(54, 162), 17, 0x4F46E5);
-    c.text("✈", QRectF(37, 145, 34, 34), sans(17), 0xFFFFFF, Qt::AlignCenter);
-    c.text("Skyline Air", 82, 169, sans(21, QFont::Bold), 0x312E81);
+    // The airline's colours along the top of the pass.
+    QPainter& p = c.ctx();
+    p.save();
+    QPainterPath edge;
+    edge.addRoundedRect(card, 22, 22);
+    p.setClipPath(edge);
+    c.fill(QRectF(20, 122, 350, 10), 0x4F46E5);
+    c.fill(QRectF(300, 122, 70, 10), 0xF59E0B);
+    p.restore();
+    c.text("Skyline Air", 40, 169, sans(21, QFont::Bold), 0x312E81);
     c.text("6E 2134", 350, 169, sans(18, QFont::DemiBold), 0x312E81, Qt::AlignRight);
     c.fill(QRectF(40, 194, 310, 1), 0xE2E8F0);
 

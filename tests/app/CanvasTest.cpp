@@ -94,7 +94,10 @@ TEST(CanvasTest, DrawnBarcodesDecodeToTheirPayload) {
          "M1DORAN/NELA EK7Q2MX BLRDEL 6E 2134 290Y022A0014 100",
          ZXing::BarcodeFormat::Aztec,
          {20, 20, 150, 150}},
-        {BarcodeKind::code128, "20931", ZXing::BarcodeFormat::Code128, {20, 60, 160, 50}},
+        {BarcodeKind::qr,
+         "MX93K2-F7F8-2510-1930-ORION3",
+         ZXing::BarcodeFormat::QRCode,
+         {40, 40, 120, 100}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.payload.toStdString());
