@@ -24,6 +24,13 @@ void printHelp() {
                  "Exit status: 0 done, 1 the action failed in whole or in part, 2 wrong usage.\n";
 }
 
+// Qt's own notes (a missing runtime folder, a font fallback) are not for people using the
+// command line; only its real errors reach standard error.
+void quietQtNotes(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::cerr << "lumivale: " << message.toStdString() << "\n";
+}
+
 // Work without a display (scripts, CI, a terminal over ssh) on Qt's offscreen platform.
 void chooseHeadlessPlatform() {
     if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY") && !std::getenv("QT_QPA_PLATFORM"))
@@ -59,6 +66,7 @@ int main(int argc, char** argv) {
         if (args[0] != command.name)
             continue;
         chooseHeadlessPlatform();
+        qInstallMessageHandler(quietQtNotes);
         QGuiApplication app(argc, argv);
         QGuiApplication::setOrganizationName("Lumivale");
         QGuiApplication::setApplicationName("Lumivale");

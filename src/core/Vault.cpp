@@ -1,6 +1,8 @@
+#include "core/Vault.h"
+
 #include "core/Plist.h"
 #include "core/ShotCodec.h"
-#include "core/Vault.h"
+#include "core/Uuid.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -208,21 +210,6 @@ std::optional<LockedShot> decodeLockedShot(std::span<const uint8_t> bytes) {
     return LockedShot{std::move(*id), std::move(*shot), *lockedAt};
 }
 
-std::string randomUuid() {
-    std::array<uint8_t, 16> b;
-    randomBytes(b);
-    b[6] = (b[6] & 0x0f) | 0x40; // version 4
-    b[8] = (b[8] & 0x3f) | 0x80; // RFC 4122 variant
-    static constexpr char digits[] = "0123456789ABCDEF";
-    std::string text;
-    for (size_t i = 0; i < b.size(); ++i) {
-        if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
-        text += digits[b[i] >> 4];
-        text += digits[b[i] & 0x0f];
-    }
-    return text;
-}
-
 std::string Vault::pathOf(std::string_view id) const {
     return (std::filesystem::path(dir_) / (std::string(id) + "." + std::string(fileExtension)))
         .string();
@@ -248,7 +235,7 @@ VaultResult<LockedShot> Vault::lock(const Shot& shot, const VaultKey& key, Date 
     if (read.index() != 0) return VaultError::cannotRead();
     const std::string& picture = std::get<0>(read);
 
-    LockedShot locked{randomUuid(), shot, now};
+    LockedShot locked{newUuid(), shot, now};
     const auto sealedHeader = seal(key, encodeLockedShot(locked));
     const auto sealedBody = seal(key, picture);
     // Failing to seal is as good as a copy that does not check out: nothing is written.

@@ -35,9 +35,6 @@ std::string encodeLockedShot(const LockedShot& locked);
 // The locked shot in these bytes, or nothing when any of the three keys is missing or mistyped.
 std::optional<LockedShot> decodeLockedShot(std::span<const uint8_t> bytes);
 
-// An upper-case random (version 4) UUID, 36 characters.
-std::string randomUuid();
-
 // Moves a locked file away (the application passes its move-to-Trash).
 using Disposer = std::function<Status(const std::string& path)>;
 

@@ -25,10 +25,21 @@ const auto centredKinds = ZXing::BarcodeFormat::Aztec | ZXing::BarcodeFormat::Da
 
 void addKinds(const ZXing::ImageView& view, ZXing::BarcodeFormats formats,
               std::vector<std::string>& names) {
-    const auto hints = ZXing::DecodeHints().setFormats(formats).setTryHarder(true);
-    for (const ZXing::Result& result : ZXing::ReadBarcodes(view, hints))
+    // zxing-cpp 1.4 aborts on an assertion when it compares two linear results while gathering
+    // several, so linear codes are asked for one at a time: only their kind is kept anyway.
+    const auto matrix = formats & ZXing::BarcodeFormat::MatrixCodes;
+    const auto linear = formats & ZXing::BarcodeFormat::LinearCodes;
+    if (!matrix.empty())
+        for (const ZXing::Result& result :
+             ZXing::ReadBarcodes(view, ZXing::DecodeHints().setFormats(matrix).setTryHarder(true)))
+            if (result.isValid())
+                names.push_back(Reader::name(ZXing::ToString(result.format())));
+    if (!linear.empty()) {
+        const ZXing::Result result =
+            ZXing::ReadBarcode(view, ZXing::DecodeHints().setFormats(linear).setTryHarder(true));
         if (result.isValid())
             names.push_back(Reader::name(ZXing::ToString(result.format())));
+    }
 }
 
 GrayImage darkestOfBlocks(const GrayImage& picture) {

@@ -2,6 +2,7 @@
 
 #include "AppTestSupport.h"
 #include "reading/Reader.h"
+#include "support/ChildRun.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
@@ -129,6 +130,34 @@ TEST_F(AppModelTest, shotsOfAnOlderReaderAreReadAgainAndBrokenFilesAreMarkedOnce
     EXPECT_TRUE(broken->isRead());
     scan();
     EXPECT_EQ(reads, 2) << "nothing is read twice, not even a broken file";
+}
+
+TEST_F(AppModelTest, aFolderThatCannotBeOpenedIsFlaggedAndItsShotsStay) {
+    // Permissions do not hold for root, so as root the test runs again as an ordinary user.
+    if (test::runningAsRoot() &&
+        !test::runsInChild({"unprivileged", {"setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups"}, {}, 120s}))
+        return;
+    const std::string phone = tmp_.file("Phone");
+    fs::create_directories(phone);
+    test::drawPicture(phone + "/IMG_0001.png", receipt);
+    AppModel& model = make();
+    model.load();
+    model.addFolder(phone);
+    model.waitUntilIdle();
+    ASSERT_NE(model.library().find(phone + "/IMG_0001.png"), nullptr);
+
+    fs::permissions(phone, fs::perms::none);
+    scan();
+    const auto source = std::find_if(model.sources().begin(), model.sources().end(),
+                                     [&](const Source& s) { return s.path == phone; });
+    ASSERT_NE(source, model.sources().end());
+    EXPECT_FALSE(source->readable);
+    EXPECT_NE(model.library().find(phone + "/IMG_0001.png"), nullptr) << "its shots are kept, not forgotten";
+
+    fs::permissions(phone, fs::perms::owner_all);
+    scan();
+    EXPECT_TRUE(std::find_if(model.sources().begin(), model.sources().end(),
+                             [&](const Source& s) { return s.path == phone; })->readable);
 }
 
 TEST_F(AppModelTest, readsAtMostThreeAtOnceAndSavesEveryTwentyFiveAndAtTheEnd) {

@@ -2,6 +2,7 @@
 // implementation (Python's cryptography and plistlib), broken and foreign files, and locking and
 // restoring real files.
 #include "core/Vault.h"
+#include "core/Uuid.h"
 
 #include "core/Plist.h"
 #include "core/ShotCodec.h"
@@ -294,7 +295,7 @@ TEST_F(VaultTest, brokenAndForeignFilesAreRefusedAndCountedUnreadable) {
         SCOPED_TRACE(c.name);
         const TempDir folder;
         const Vault broken(folder.str());
-        const std::string id = randomUuid();
+        const std::string id = newUuid();
         writeFile(broken.pathOf(id), c.make(goodBytes, foreignBytes));
 
         const auto header = broken.header(broken.pathOf(id), key);
@@ -502,7 +503,7 @@ TEST_F(VaultTest, aFailedRestoreKeepsTheLockedFileAndWritesNothing) {
         const LockedShot shot = locked("taken.png");
         fs::remove(shot.shot.path);
         const std::string how = c.prepare(*this, shot, target.str());
-        const std::string id = how == "../x" ? "../x" : how == "unknown" ? randomUuid() : shot.id;
+        const std::string id = how == "../x" ? "../x" : how == "unknown" ? newUuid() : shot.id;
         const VaultKey otherKey = VaultKey::random();
         const auto restored = vault.restore(id, target.str(), how == "key" ? otherKey : key,
                                             how == "damage" ? damagingWrite : systemWrite);
