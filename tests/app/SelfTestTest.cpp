@@ -11,10 +11,9 @@
 #include "support/ChildRun.h"
 #include "support/TempDir.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <grp.h>
+#include <gtest/gtest.h>
 #include <map>
 #include <regex>
 #include <set>
@@ -83,12 +82,9 @@ constexpr int unreadableFolderCheck = 40;
 
 // What may follow a check's text on its line.
 std::string tailPattern(const std::string& text, bool pass) {
-    if (text.ends_with(" ("))
-        return R"(\d[^()]*\))";
-    if (text.ends_with(": "))
-        return pass ? R"(.+\.png)" : ".*";
-    if (text == checkTexts[1])
-        return pass ? "" : ": .+"; // the fixtures that went astray
+    if (text.ends_with(" (")) return R"(\d[^()]*\))";
+    if (text.ends_with(": ")) return pass ? R"(.+\.png)" : ".*";
+    if (text == checkTexts[1]) return pass ? "" : ": .+"; // the fixtures that went astray
     return "";
 }
 
@@ -107,14 +103,17 @@ std::set<int> failedChecks(const std::string& report) {
     }
     for (size_t i = 0; i < checkTexts.size(); ++i) {
         const bool pass = lines[i].starts_with("PASS ");
-        if (!pass)
-            failed.insert(static_cast<int>(i) + 1);
+        if (!pass) failed.insert(static_cast<int>(i) + 1);
         const std::string text = lines[i].size() >= 5 ? lines[i].substr(5) : "";
-        const bool fits = (pass || lines[i].starts_with("FAIL ")) && text.starts_with(checkTexts[i]) &&
-                          std::regex_match(text.substr(checkTexts[i].size()), std::regex(tailPattern(checkTexts[i], pass)));
-        EXPECT_TRUE(fits) << "line " << i + 1 << " is \"" << lines[i] << "\", not check \"" << checkTexts[i] << "\"";
+        const bool fits = (pass || lines[i].starts_with("FAIL ")) &&
+                          text.starts_with(checkTexts[i]) &&
+                          std::regex_match(text.substr(checkTexts[i].size()),
+                                           std::regex(tailPattern(checkTexts[i], pass)));
+        EXPECT_TRUE(fits) << "line " << i + 1 << " is \"" << lines[i] << "\", not check \""
+                          << checkTexts[i] << "\"";
     }
-    EXPECT_EQ(lines.back(), failed.empty() ? "ALL PASS" : std::to_string(failed.size()) + " FAILED");
+    EXPECT_EQ(lines.back(),
+              failed.empty() ? "ALL PASS" : std::to_string(failed.size()) + " FAILED");
     return failed;
 }
 
@@ -129,25 +128,27 @@ void expectOnlyTheReport(const std::string& dir, const SelfTest::Outcome& outcom
 
 // The reading the services give so far: the one a breakage set before, else the real reader.
 AppModel::ReadFn readingOf(const AppModel::Services& services) {
-    if (services.read)
-        return services.read;
-    return [](const std::string& path, const std::vector<std::string>& languages) { return Reader::read(path, languages); };
+    if (services.read) return services.read;
+    return [](const std::string& path, const std::vector<std::string>& languages) {
+        return Reader::read(path, languages);
+    };
 }
 
 bool says(const Reading& reading, const std::string& word) {
-    return std::any_of(reading.lines.begin(), reading.lines.end(),
-                       [&](const TextLine& line) { return line.text.find(word) != std::string::npos; });
+    return std::any_of(reading.lines.begin(), reading.lines.end(), [&](const TextLine& line) {
+        return line.text.find(word) != std::string::npos;
+    });
 }
 
 // A key store that has lost its key by the next call: a new one every time.
 class ChangingKey : public VaultKeySource {
-public:
+  public:
     VaultResult<VaultKey> key() override { return VaultKey::random(); }
 };
 
 // A key store the keyring refuses to give.
 class RefusedKey : public VaultKeySource {
-public:
+  public:
     VaultResult<VaultKey> key() override { return VaultError::keychain(-25300); }
 };
 
@@ -169,10 +170,10 @@ std::vector<BrokenRun> brokenRuns() {
          {
              {"the reader loses the café receipt's words",
               [](AppModel::Services& s) {
-                  s.read = [read = readingOf(s)](const std::string& path, const std::vector<std::string>& languages) {
+                  s.read = [read = readingOf(s)](const std::string& path,
+                                                 const std::vector<std::string>& languages) {
                       Reading reading = read(path, languages);
-                      if (says(reading, "Bloom"))
-                          reading.lines.clear();
+                      if (says(reading, "Bloom")) reading.lines.clear();
                       return reading;
                   };
               },
@@ -180,11 +181,14 @@ std::vector<BrokenRun> brokenRuns() {
               // receipt saved as a new screenshot shelves wrong too
               {2, 5, 18, 19, 36}},
              {"the clock runs a year ahead",
-              [](AppModel::Services& s) { s.clock = [] { return lumivale::now() + std::chrono::hours(24 * 365); }; },
+              [](AppModel::Services& s) {
+                  s.clock = [] { return lumivale::now() + std::chrono::hours(24 * 365); };
+              },
               {8}},
              {"the Trash refuses the first file (the sunset)",
               [](AppModel::Services& s) {
-                  s.trasher = [trash = s.trasher, first = std::make_shared<bool>(true)](const std::string& path) {
+                  s.trasher = [trash = s.trasher,
+                               first = std::make_shared<bool>(true)](const std::string& path) {
                       if (std::exchange(*first, false))
                           return TrashOutcome::failure("the Trash is full");
                       return trash(path);
@@ -192,13 +196,12 @@ std::vector<BrokenRun> brokenRuns() {
               },
               {27, 28}},
              {"the key store gives a different key after locking",
-              [](AppModel::Services& s) {
-                  s.keySource = std::make_shared<ChangingKey>();
-              },
+              [](AppModel::Services& s) { s.keySource = std::make_shared<ChangingKey>(); },
               {35, 44, 45, 46, 47}},
              {"an added folder's picture cannot be decoded",
               [](AppModel::Services& s) {
-                  s.read = [read = readingOf(s)](const std::string& path, const std::vector<std::string>& languages) {
+                  s.read = [read = readingOf(s)](const std::string& path,
+                                                 const std::vector<std::string>& languages) {
                       if (fs::path(path).filename() == "IMG_0001.png")
                           return Reading{.failed = true};
                       return read(path, languages);
@@ -214,9 +217,12 @@ std::vector<BrokenRun> brokenRuns() {
               {30, 31, 32, 33, 35, 44, 45, 46, 47}},
              {"the reader takes a file that is no picture for one",
               [](AppModel::Services& s) {
-                  s.read = [read = readingOf(s)](const std::string& path, const std::vector<std::string>& languages) {
+                  s.read = [read = readingOf(s)](const std::string& path,
+                                                 const std::vector<std::string>& languages) {
                       if (fs::path(path).filename().string().starts_with("Screenshot broken"))
-                          return Reading{.lines = {TextLine{.text = "not an image"}}, .pixelWidth = 10, .pixelHeight = 10};
+                          return Reading{.lines = {TextLine{.text = "not an image"}},
+                                         .pixelWidth = 10,
+                                         .pixelHeight = 10};
                       return read(path, languages);
                   };
               },
@@ -226,7 +232,7 @@ std::vector<BrokenRun> brokenRuns() {
 }
 
 class SelfTestBroken : public ::testing::TestWithParam<BrokenRun> {
-protected:
+  protected:
     void SetUp() override { test::ensureQtApp(); }
 };
 
@@ -235,8 +241,7 @@ TEST_P(SelfTestBroken, reportsExactlyWhatIsBrokenAndGoesOnToTheEnd) {
     for (const Breakage& b : GetParam().breakages)
         expected.insert(b.failing.begin(), b.failing.end());
     // Permissions do not hold for root: the folder taken away still opens.
-    if (test::runningAsRoot())
-        expected.insert(unreadableFolderCheck);
+    if (test::runningAsRoot()) expected.insert(unreadableFolderCheck);
 
     test::TempDir dir;
     const SelfTest::Outcome outcome = SelfTest::run(dir.str(), [&](AppModel::Services& services) {
@@ -247,9 +252,11 @@ TEST_P(SelfTestBroken, reportsExactlyWhatIsBrokenAndGoesOnToTheEnd) {
     const std::set<int> failed = failedChecks(outcome.report);
     for (const Breakage& b : GetParam().breakages)
         for (int check : b.failing)
-            EXPECT_TRUE(failed.count(check)) << b.what << ": \"" << checkTexts[check - 1] << "\" passed";
+            EXPECT_TRUE(failed.count(check))
+                << b.what << ": \"" << checkTexts[check - 1] << "\" passed";
     for (int check : failed)
-        EXPECT_TRUE(expected.count(check)) << "\"" << checkTexts[check - 1] << "\" failed for nothing broken";
+        EXPECT_TRUE(expected.count(check))
+            << "\"" << checkTexts[check - 1] << "\" failed for nothing broken";
     EXPECT_EQ(outcome.failures, static_cast<int>(failed.size()));
     expectOnlyTheReport(dir.str(), outcome);
     std::cout << outcome.report;
@@ -264,10 +271,9 @@ std::map<std::string, std::string> snapshot(const std::string& root) {
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
         struct stat st {};
         lstat(entry.path().c_str(), &st);
-        std::string state = std::to_string(st.st_mode) + " " + std::to_string(st.st_mtim.tv_sec) + "." +
-                            std::to_string(st.st_mtim.tv_nsec);
-        if (S_ISREG(st.st_mode))
-            state += " " + test::readFile(entry.path().string());
+        std::string state = std::to_string(st.st_mode) + " " + std::to_string(st.st_mtim.tv_sec) +
+                            "." + std::to_string(st.st_mtim.tv_nsec);
+        if (S_ISREG(st.st_mode)) state += " " + test::readFile(entry.path().string());
         out[fs::relative(entry.path(), root).string()] = state;
     }
     return out;
@@ -291,34 +297,37 @@ void furnish(const std::string& home) {
     test::writeFile(home + "/.config/user-dirs.dirs",
                     "XDG_DESKTOP_DIR=\"$HOME/Desktop\"\nXDG_PICTURES_DIR=\"$HOME/Pictures\"\n");
     const std::string screenshots = home + "/Pictures/Screenshots";
-    const auto written = Fixtures::write({Fixtures::all()[0], Fixtures::all()[5]}, screenshots, lumivale::now());
+    const auto written =
+        Fixtures::write({Fixtures::all()[0], Fixtures::all()[5]}, screenshots, lumivale::now());
     ASSERT_TRUE(written.status.isOk()) << written.status.message();
     ASSERT_EQ(written.files.size(), 2u);
-    test::writeFile(home + "/Desktop/Screenshot 2024-02-03 at 10.11.12 AM.png", "a picture of the user's own");
+    test::writeFile(home + "/Desktop/Screenshot 2024-02-03 at 10.11.12 AM.png",
+                    "a picture of the user's own");
 
     Library library;
     for (const auto& file : written.files)
-        library.put(Shot(file.path, static_cast<int64_t>(fs::file_size(file.path)), lumivale::now(), lumivale::now()));
+        library.put(Shot(file.path, static_cast<int64_t>(fs::file_size(file.path)), lumivale::now(),
+                         lumivale::now()));
     library.extraFolders = {home + "/Pictures/Phone"};
     ASSERT_TRUE(library.save(home + "/.local/share/Lumivale/library.plist").isOk());
     test::writeFile(home + "/Pictures/Phone/IMG_0001.png", "the user's phone picture");
-    test::writeFile(home + "/Pictures/Lumivale Archive/Bills and receipts/Screenshot old.png", "filed long ago");
-    test::writeFile(home + "/.config/Lumivale/Lumivale.conf", "[General]\nblurPrivate=false\nwelcomeDone=true\n");
+    test::writeFile(home + "/Pictures/Lumivale Archive/Bills and receipts/Screenshot old.png",
+                    "filed long ago");
+    test::writeFile(home + "/.config/Lumivale/Lumivale.conf",
+                    "[General]\nblurPrivate=false\nwelcomeDone=true\n");
     test::writeFile(home + "/.local/share/Trash/files/Screenshot gone.png", "trashed by the user");
     test::writeFile(home + "/.local/share/Trash/info/Screenshot gone.png.trashinfo",
-                    "[Trash Info]\nPath=" + home + "/Desktop/Screenshot%20gone.png\nDeletionDate=2024-01-02T03:04:05\n");
+                    "[Trash Info]\nPath=" + home +
+                        "/Desktop/Screenshot%20gone.png\nDeletionDate=2024-01-02T03:04:05\n");
     test::writeFile(home + "/.local/share/keyrings/login.keyring", "the user's keyring");
 }
 
 // In a process of its own, so that everything in it (Qt, fonts, the reader) starts out with this
 // home, as a real run does.
 TEST(SelfTestTest, passesAndLeavesTheUsersHomeAsItWas) {
-    if (!test::runsInChild({"own-home", {}, {}, 280s}))
-        return;
-    if (test::runningAsRoot())
-        becomeNobody();
-    if (HasFatalFailure())
-        return;
+    if (!test::runsInChild({"own-home", {}, {}, 280s})) return;
+    if (test::runningAsRoot()) becomeNobody();
+    if (HasFatalFailure()) return;
 
     test::TempDir home;
     test::TempDir dir;
@@ -334,8 +343,7 @@ TEST(SelfTestTest, passesAndLeavesTheUsersHomeAsItWas) {
     setenv("LUMIVALE_DATA_DIR", (h + "/.local/share/Lumivale").c_str(), 1);
     test::ensureQtApp();
     furnish(h);
-    if (HasFatalFailure())
-        return;
+    if (HasFatalFailure()) return;
 
     const auto before = snapshot(h);
     const SelfTest::Outcome outcome = SelfTest::run(dir.str());
