@@ -164,6 +164,10 @@ struct BrokenRun {
     std::vector<Breakage> breakages;
 };
 
+void PrintTo(const BrokenRun& run, std::ostream* out) {
+    *out << run.name;
+}
+
 std::vector<BrokenRun> brokenRuns() {
     return {
         {"readingTidyFindingOpening",
