@@ -7,13 +7,12 @@
 #include "core/PathName.h"
 #include "core/TidyPlan.h"
 
-#include <QCoreApplication>
-
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;
@@ -26,8 +25,9 @@ struct Tree {
     std::string root, data, desktop, archive, trash, settings;
 
     explicit Tree(const std::string& dir)
-        : root(dir + "/work"), data(root + "/Data"), desktop(root + "/Desktop"), archive(root + "/Archive"),
-          trash(root + "/Trash"), settings(root + "/app.orvane.lumivale.demo.conf") {}
+        : root(dir + "/work"), data(root + "/Data"), desktop(root + "/Desktop"),
+          archive(root + "/Archive"), trash(root + "/Trash"),
+          settings(root + "/app.orvane.lumivale.demo.conf") {}
 };
 
 bool exists(const std::string& path) {
@@ -42,8 +42,7 @@ std::string readAll(const std::string& path) {
 
 // Moves a file into the test's own Trash folder, under a free name.
 TrashOutcome trashInto(const std::string& trash, const std::string& path) {
-    if (Status made = makeFolders(trash); !made)
-        return TrashOutcome::failure(made.message());
+    if (Status made = makeFolders(trash); !made) return TrashOutcome::failure(made.message());
     const std::string target = Tidy::unique(joinPath(trash, lastComponent(path)), "", {}, exists);
     if (Status moved = moveNoReplace(path, target); !moved)
         return TrashOutcome::failure(moved.message());
@@ -51,37 +50,42 @@ TrashOutcome trashInto(const std::string& trash, const std::string& path) {
 }
 
 class Checks {
-public:
+  public:
     void check(bool ok, const std::string& text) {
         lines_ += (ok ? "PASS " : "FAIL ") + text + "\n";
         failures_ += !ok;
     }
     std::string report() const {
-        return lines_ + (failures_ == 0 ? std::string("ALL PASS") : std::to_string(failures_) + " FAILED") + "\n";
+        return lines_ +
+               (failures_ == 0 ? std::string("ALL PASS") : std::to_string(failures_) + " FAILED") +
+               "\n";
     }
     int failures() const { return failures_; }
 
-private:
+  private:
     std::string lines_;
     int failures_ = 0;
 };
 
-std::string count(int64_t n) { return std::to_string(n); }
+std::string count(int64_t n) {
+    return std::to_string(n);
+}
 
 class Run {
-public:
+  public:
     Run(const std::string& dir, const std::function<void(AppModel::Services&)>& adjust)
         : tree_(dir), settings_(QString::fromStdString(tree_.settings), QSettings::IniFormat) {
         AppModel::Services services;
         const std::string trash = tree_.trash;
         services.trasher = [trash](const std::string& path) { return trashInto(trash, path); };
-        services.confirm = [](const std::string&, const std::string&, const std::string&) { return true; };
+        services.confirm = [](const std::string&, const std::string&, const std::string&) {
+            return true;
+        };
         services.authenticate = [](const std::string&) { return true; };
         services.keySource = std::make_shared<MemoryKey>();
         services.copyText = [](const std::string&) {};
         services.copyImage = [](const std::string&) { return true; };
-        if (adjust)
-            adjust(services);
+        if (adjust) adjust(services);
         services_ = services;
         model_ = std::make_unique<AppModel>(paths(), settings_, services_);
         QObject::connect(model_.get(), &AppModel::shotRead, [this] { ++reads_; });
@@ -99,7 +103,7 @@ public:
 
     Checks checks;
 
-private:
+  private:
     Tree tree_;
     QSettings settings_;
     AppModel::Services services_;
@@ -117,20 +121,19 @@ private:
 
     const Shot* shotOf(Fixture::Kind kind) const {
         for (const auto& w : written_)
-            if (w.fixture.kind == kind)
-                return model_->library().find(w.path);
+            if (w.fixture.kind == kind) return model_->library().find(w.path);
         return nullptr;
     }
     std::string pathOf(Fixture::Kind kind) const {
         for (const auto& w : written_)
-            if (w.fixture.kind == kind)
-                return w.path;
+            if (w.fixture.kind == kind) return w.path;
         return {};
     }
 
     bool visibleHas(const std::string& path) {
         const auto shots = model().visible();
-        return std::any_of(shots.begin(), shots.end(), [&](const ShotPtr& s) { return s->path == path; });
+        return std::any_of(shots.begin(), shots.end(),
+                           [&](const ShotPtr& s) { return s->path == path; });
     }
 
     void reading() {
@@ -140,9 +143,10 @@ private:
         scan();
         int64_t read = 0;
         for (const auto& w : written_)
-            if (const Shot* s = model().library().find(w.path); s && s->isRead())
+            if (const Shot* s = model().library().find(w.path); s && s->isRead() && !s->failed)
                 ++read;
-        checks.check(written_.size() == Fixtures::all().size() && read == static_cast<int64_t>(written_.size()),
+        checks.check(written_.size() == Fixtures::all().size() &&
+                         read == static_cast<int64_t>(written_.size()),
                      "every made-up screenshot is found and read (" + count(read) + " of " +
                          count(static_cast<int64_t>(Fixtures::all().size())) + ")");
 
@@ -150,18 +154,22 @@ private:
         for (const Fixture& f : Fixtures::all()) {
             const Shot* s = shotOf(f.kind);
             if (!s) {
-                wrong += std::string(wrong.empty() ? ": " : ", ") + std::string(fixtureKindId(f.kind)) + " missing";
+                wrong += std::string(wrong.empty() ? ": " : ", ") +
+                         std::string(fixtureKindId(f.kind)) + " missing";
                 continue;
             }
             const bool flagged = !s->flags.empty();
             if (s->category() != f.expected || flagged != f.sensitive)
-                wrong += std::string(wrong.empty() ? ": " : ", ") + std::string(fixtureKindId(f.kind)) + " " +
-                         std::string(shelfId(s->category())) + " private " + (flagged ? "true" : "false");
+                wrong += std::string(wrong.empty() ? ": " : ", ") +
+                         std::string(fixtureKindId(f.kind)) + " " +
+                         std::string(shelfId(s->category())) + " private " +
+                         (flagged ? "true" : "false");
         }
         checks.check(wrong.empty(), "each lands on the right shelf, IDs marked private" + wrong);
 
-        const auto flagged = std::count_if(model().library().shots.begin(), model().library().shots.end(),
-                                           [](const auto& e) { return !e.second->flags.empty(); });
+        const auto flagged =
+            std::count_if(model().library().shots.begin(), model().library().shots.end(),
+                          [](const auto& e) { return !e.second->flags.empty(); });
         checks.check(flagged == 2, "two private screenshots (" + count(flagged) + ")");
 
         model().waitForSaves();
@@ -169,44 +177,59 @@ private:
 
         model().setPlace(Place::of(Place::Kind::all));
         model().setQuery("bloom 1008");
-        checks.check(visibleHas(pathOf(Fixture::Kind::receipt)), "search finds the café receipt by its words and total");
+        checks.check(visibleHas(pathOf(Fixture::Kind::receipt)),
+                     "search finds the café receipt by its words and total");
         model().setQuery("ZZZ-nothing");
         checks.check(model().visible().empty(), "a search with no match shows nothing");
         model().setQuery("");
 
-        const auto tickets = model().shots(Place::ofShelf(Shelf::tickets)).size();
-        checks.check(tickets == 3, "the tickets shelf holds three (" + count(static_cast<int64_t>(tickets)) + ")");
-        const auto recent = static_cast<int64_t>(model().shots(Place::of(Place::Kind::recent)).size());
+        std::set<std::string> tickets;
+        for (const ShotPtr& s : model().shots(Place::ofShelf(Shelf::tickets)))
+            tickets.insert(s->path);
+        const std::set<std::string> expectedTickets = {pathOf(Fixture::Kind::boardingPass),
+                                                       pathOf(Fixture::Kind::trainTicket),
+                                                       pathOf(Fixture::Kind::movieTicket)};
+        checks.check(tickets == expectedTickets, "the tickets shelf holds three (" +
+                                                     count(static_cast<int64_t>(tickets.size())) +
+                                                     ")");
+        const auto recent =
+            static_cast<int64_t>(model().shots(Place::of(Place::Kind::recent)).size());
         const auto expectedRecent = std::count_if(Fixtures::all().begin(), Fixtures::all().end(),
                                                   [](const Fixture& f) { return f.daysAgo < 7; });
         checks.check(recent == expectedRecent, "last 7 days (" + count(recent) + ")");
 
         const std::string chat = pathOf(Fixture::Kind::chat);
-        model().setShelf(chat, Shelf::other);
         const Shot* fixed = model().library().find(chat);
-        checks.check(fixed && fixed->category() == Shelf::other && fixed->manual == Shelf::other,
+        // A shelf other than the sorter's own, so that the choice stays a hand-made one.
+        const Shelf byHand = fixed && fixed->guess == Shelf::other ? Shelf::maps : Shelf::other;
+        model().setShelf(chat, byHand);
+        fixed = model().library().find(chat);
+        checks.check(fixed && fixed->category() == byHand && fixed->manual == byHand,
                      "a shelf can be fixed by hand");
         model().waitForSaves();
         const auto saved = Library::load(paths().libraryFile());
         const Shot* savedChat = saved ? saved->find(chat) : nullptr;
-        checks.check(savedChat && savedChat->manual == Shelf::other, "the fix is saved");
+        checks.check(savedChat && savedChat->manual == byHand, "the fix is saved");
         scan();
         fixed = model().library().find(chat);
-        checks.check(fixed && fixed->manual == Shelf::other, "the fix survives a rescan");
-        if (fixed)
-            model().setShelf(chat, fixed->guess);
+        const bool kept = fixed && fixed->manual == byHand;
+        checks.check(kept, "the fix survives a rescan");
+        if (fixed) model().setShelf(chat, fixed->guess);
         fixed = model().library().find(chat);
-        checks.check(fixed && !fixed->manual, "choosing the guess again goes back to automatic");
+        checks.check(kept && fixed && !fixed->manual,
+                     "choosing the guess again goes back to automatic");
 
         const Shot* id = shotOf(Fixture::Kind::idCard);
-        checks.check(id && model().isHidden(*id), "an ID is blurred");
-        if (id)
-            model().reveal(id->path);
+        const bool blurred = id && model().isHidden(*id);
+        checks.check(blurred, "an ID is blurred");
+        if (id) model().reveal(id->path);
         id = shotOf(Fixture::Kind::idCard);
-        checks.check(id && !model().isHidden(*id), "\u2026until you choose to show it");
-        model().setBlurPrivate(false);
+        checks.check(blurred && id && !model().isHidden(*id), "\u2026until you choose to show it");
         const auto shots = model().all();
-        checks.check(std::none_of(shots.begin(), shots.end(), [&](const ShotPtr& s) { return model().isHidden(*s); }),
+        const auto hidden = [&](const ShotPtr& s) { return model().isHidden(*s); };
+        const bool someBlurred = std::any_of(shots.begin(), shots.end(), hidden); // the passport
+        model().setBlurPrivate(false);
+        checks.check(someBlurred && std::none_of(shots.begin(), shots.end(), hidden),
                      "blurring can be turned off");
         model().setBlurPrivate(true);
     }
@@ -216,7 +239,8 @@ private:
         const auto candidates = tidyCandidates(model(), choices);
         const TidyPlan plan = fileIntoFolders(model(), choices);
         checks.check(!plan.isEmpty() && plan.moves.size() == candidates.size(),
-                     "a plan for every loose screenshot (" + count(static_cast<int64_t>(plan.moves.size())) + " of " +
+                     "a plan for every loose screenshot (" +
+                         count(static_cast<int64_t>(plan.moves.size())) + " of " +
                          count(static_cast<int64_t>(candidates.size())) + ")");
         const auto result = model().tidy(plan);
         checks.check(result && result->failed.empty(), "the tidy runs cleanly");
@@ -224,29 +248,31 @@ private:
         std::string receiptNow;
         if (result)
             for (const Move& m : result->journal.entries)
-                if (m.from == pathOf(Fixture::Kind::receipt))
-                    receiptNow = m.to;
+                if (m.from == pathOf(Fixture::Kind::receipt)) receiptNow = m.to;
         checks.check(receiptNow.find("/Bills and receipts/") != std::string::npos,
                      "the receipt is filed under Bills and receipts");
         const Shot* filed = model().library().find(receiptNow);
-        checks.check(filed && filed->isRead() && !filed->lines.empty(), "\u2026and keeps its reading");
+        checks.check(filed && filed->isRead() && !filed->lines.empty(),
+                     "\u2026and keeps its reading");
 
         std::vector<std::string> loose;
         std::error_code ec;
         for (const auto& entry : fs::directory_iterator(tree_.desktop, ec))
-            if (entry.is_regular_file())
-                loose.push_back(entry.path().filename().string());
+            if (entry.is_regular_file()) loose.push_back(entry.path().filename().string());
         std::sort(loose.begin(), loose.end());
-        std::vector<std::string> privateOnes = {std::string(lastComponent(pathOf(Fixture::Kind::idCard))),
-                                                std::string(lastComponent(pathOf(Fixture::Kind::passport)))};
+        std::vector<std::string> privateOnes = {
+            std::string(lastComponent(pathOf(Fixture::Kind::idCard))),
+            std::string(lastComponent(pathOf(Fixture::Kind::passport)))};
         std::sort(privateOnes.begin(), privateOnes.end());
         checks.check(loose == privateOnes, "only the private ones stay loose");
 
         const auto& sources = model().sources();
-        const bool archiveRead = std::any_of(sources.begin(), sources.end(),
-                                             [&](const Source& s) { return s.path == tree_.archive && s.enabled; });
+        const bool archiveRead = std::any_of(sources.begin(), sources.end(), [&](const Source& s) {
+            return s.path == tree_.archive && s.enabled;
+        });
         const auto archived = model().shots(Place::ofFolder(tree_.archive)).size();
-        checks.check(archiveRead, "the archive folder is read too (" + count(static_cast<int64_t>(archived)) + ")");
+        checks.check(archiveRead, "the archive folder is read too (" +
+                                      count(static_cast<int64_t>(archived)) + ")");
 
         const int64_t before = reads_;
         scan();
@@ -256,9 +282,10 @@ private:
         const auto journal = model().journals().lastUndoable();
         model().undoLast();
         model().waitUntilIdle();
-        const bool allBack = result && !result->journal.entries.empty() &&
-                             std::all_of(result->journal.entries.begin(), result->journal.entries.end(),
-                                         [](const Move& m) { return exists(m.from) && !exists(m.to); });
+        const bool allBack =
+            result && !result->journal.entries.empty() &&
+            std::all_of(result->journal.entries.begin(), result->journal.entries.end(),
+                        [](const Move& m) { return exists(m.from) && !exists(m.to); });
         checks.check(allBack, "undo puts them all back");
         const auto next = model().journals().lastUndoable();
         checks.check(journal && (!next || next->id != journal->id), "and it can't be undone twice");
@@ -268,10 +295,10 @@ private:
         std::string newName;
         const std::string pass = pathOf(Fixture::Kind::boardingPass);
         for (const Move& m : renamed.moves)
-            if (m.from == pass)
-                newName = m.to;
+            if (m.from == pass) newName = m.to;
         const auto renamedRun = model().tidy(renamed);
-        const bool ticketFiled = renamedRun && newName.find("/Tickets and bookings/") != std::string::npos &&
+        const bool ticketFiled = renamedRun &&
+                                 newName.find("/Tickets and bookings/") != std::string::npos &&
                                  exists(newName) && lastComponent(newName) != lastComponent(pass);
         checks.check(ticketFiled, "renamed from its words: " + std::string(lastComponent(newName)));
         model().undoLast();
@@ -279,10 +306,13 @@ private:
 
         const std::string sunset = pathOf(Fixture::Kind::sunset);
         const auto trashed = model().trash({sunset});
-        const std::string inTrash = trashed && !trashed->journal.entries.empty() ? trashed->journal.entries[0].to : "";
-        checks.check(!inTrash.empty() && inTrash.rfind(tree_.trash + "/", 0) == 0 && exists(inTrash),
+        const std::string inTrash =
+            trashed && !trashed->journal.entries.empty() ? trashed->journal.entries[0].to : "";
+        checks.check(!inTrash.empty() && inTrash.rfind(tree_.trash + "/", 0) == 0 &&
+                         exists(inTrash),
                      "trashing goes to the test's own Trash");
-        checks.check(!exists(sunset) && !model().library().find(sunset), "the file and its entry go");
+        checks.check(!exists(sunset) && !model().library().find(sunset),
+                     "the file and its entry go");
         model().undoLast();
         model().waitUntilIdle();
         checks.check(exists(sunset) && model().library().find(sunset), "undo brings it back");
@@ -291,6 +321,12 @@ private:
     void lockedArea() {
         const std::string passport = pathOf(Fixture::Kind::passport);
         passportName_ = std::string(lastComponent(passport));
+        const auto holdsMachineLine = [](const ShotPtr& s) {
+            return s->folded.find("z1234567") != std::string::npos;
+        };
+        // Words that were never read would be missing for the wrong reason.
+        const auto before = model().all();
+        const bool heldBefore = std::any_of(before.begin(), before.end(), holdsMachineLine);
         model().lock({passport});
         checks.check(model().vaultCount() == 1, "the passport is locked away");
         bool inTrash = false;
@@ -303,25 +339,27 @@ private:
         bool readable = false;
         for (const std::string& file : Vault(paths().vault).files()) {
             const std::string bytes = readAll(file);
-            readable = readable || bytes.find("DORAN") != std::string::npos || bytes.find("Z1234567") != std::string::npos;
+            readable = readable || bytes.find("DORAN") != std::string::npos ||
+                       bytes.find("Z1234567") != std::string::npos;
         }
-        checks.check(model().vaultCount() == 1 && !readable, "the locked file holds no readable words");
+        checks.check(model().vaultCount() == 1 && !readable,
+                     "the locked file holds no readable words");
 
-        const auto shots = model().all();
-        checks.check(std::none_of(shots.begin(), shots.end(),
-                                  [](const ShotPtr& s) { return s->folded.find("z1234567") != std::string::npos; }),
+        const auto after = model().all();
+        checks.check(heldBefore && std::none_of(after.begin(), after.end(), holdsMachineLine),
                      "the library no longer holds the passport's words");
         checks.check(!model().vaultOpen(), "the locked area starts closed");
 
         model().unlockVault();
-        const bool opened = model().vaultOpen() && !model().lockedItems().empty();
-        if (opened) {
-            model().lockedImage(model().lockedItems().front().id);
-            model().setLockedSelection(model().lockedItems().front().id);
+        std::string shown;
+        if (model().vaultOpen() && !model().lockedItems().empty() &&
+            model().lockedImage(model().lockedItems().front().id)) {
+            shown = model().lockedItems().front().id;
+            model().setLockedSelection(shown);
         }
         model().lockVault();
-        checks.check(opened && !model().vaultOpen() && model().lockedItems().empty() && !model().lockedSelection() &&
-                         !model().lockedImage(opened ? "" : "").has_value(),
+        checks.check(!shown.empty() && !model().vaultOpen() && model().lockedItems().empty() &&
+                         !model().lockedSelection() && !model().lockedImage(shown),
                      "locking clears what was shown");
     }
 
@@ -349,31 +387,38 @@ private:
 
         const std::string phone = tree_.root + "/Phone Shots";
         makeFolders(phone);
-        Fixtures::image(Fixture::Kind::chat).save(QString::fromStdString(phone + "/IMG_0001.png"), "PNG");
+        Fixtures::image(Fixture::Kind::chat)
+            .save(QString::fromStdString(phone + "/IMG_0001.png"), "PNG");
         model().addFolder(phone);
         model().waitUntilIdle();
         const Shot* img = model().library().find(phone + "/IMG_0001.png");
-        checks.check(img && img->isRead(), "an added folder's pictures are read whatever their names");
+        checks.check(img && img->isRead() && !img->failed,
+                     "an added folder's pictures are read whatever their names");
 
         const std::string closed = tree_.root + "/Closed Folder";
         makeFolders(closed);
-        Fixtures::image(Fixture::Kind::recipe).save(QString::fromStdString(closed + "/IMG_0002.png"), "PNG");
+        Fixtures::image(Fixture::Kind::recipe)
+            .save(QString::fromStdString(closed + "/IMG_0002.png"), "PNG");
         model().addFolder(closed);
         model().waitUntilIdle();
         ::chmod(closed.c_str(), 0);
         scan();
         const auto& sources = model().sources();
-        const auto source = std::find_if(sources.begin(), sources.end(), [&](const Source& s) { return s.path == closed; });
-        checks.check(source != sources.end() && !source->readable, "a folder Lumivale can't open is flagged");
+        const auto source = std::find_if(sources.begin(), sources.end(),
+                                         [&](const Source& s) { return s.path == closed; });
+        checks.check(source != sources.end() && !source->readable,
+                     "a folder Lumivale can't open is flagged");
         checks.check(model().library().find(closed + "/IMG_0002.png") != nullptr,
                      "\u2026and its screenshots are kept, not forgotten");
         ::chmod(closed.c_str(), 0755);
 
-        const auto phoneSource = std::find_if(sources.begin(), sources.end(), [&](const Source& s) { return s.path == phone; });
+        const auto phoneSource = std::find_if(sources.begin(), sources.end(),
+                                              [&](const Source& s) { return s.path == phone; });
         if (phoneSource != sources.end())
-            model().removeFolder(*phoneSource);
+            model().removeFolder(Source(*phoneSource)); // the list it points into is rebuilt
         model().waitUntilIdle();
-        checks.check(!model().library().find(phone + "/IMG_0001.png") && exists(phone + "/IMG_0001.png"),
+        checks.check(!model().library().find(phone + "/IMG_0001.png") &&
+                         exists(phone + "/IMG_0001.png"),
                      "removing a folder forgets it but leaves the files");
 
         model().waitForSaves();
@@ -395,12 +440,16 @@ private:
         const auto matches = model().lockedMatches();
         checks.check(matches.size() == 1, "its words are searchable while open");
         model().setQuery("");
+        std::optional<std::string> restored;
         if (!model().lockedItems().empty())
-            model().restore(model().lockedItems().front(), tree_.desktop);
-        checks.check(model().vaultCount() == 0 && model().lockedItems().empty(), "restoring empties the locked area");
+            restored = model().restore(model().lockedItems().front(), tree_.desktop);
+        checks.check(restored && model().vaultCount() == 0 && model().lockedItems().empty(),
+                     "restoring empties the locked area");
+        const int64_t before = reads_;
         scan();
-        const Shot* back = model().library().find(tree_.desktop + "/" + passportName_);
-        checks.check(back && back->isRead() && back->category() == Shelf::ids,
+        const Shot* back = restored ? model().library().find(*restored) : nullptr;
+        checks.check(back && *restored == tree_.desktop + "/" + passportName_ && reads_ > before &&
+                         back->isRead() && !back->failed && back->category() == Shelf::ids,
                      "the passport is back on the Desktop and read again");
         model().lockVault();
     }
@@ -411,6 +460,8 @@ private:
 Outcome run(const std::string& dir, const std::function<void(AppModel::Services&)>& adjust) {
     const auto started = std::chrono::steady_clock::now();
     Outcome outcome;
+    std::error_code ec;
+    fs::remove_all(Tree(dir).root, ec); // what an interrupted run left behind
     {
         Run run(dir, adjust);
         run.all();
@@ -418,9 +469,9 @@ Outcome run(const std::string& dir, const std::function<void(AppModel::Services&
         outcome.failures = run.checks.failures();
     }
     writeAtomically(dir + "/selftest.txt", outcome.report);
-    std::error_code ec;
     fs::remove_all(Tree(dir).root, ec);
-    outcome.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    outcome.seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     return outcome;
 }
 
