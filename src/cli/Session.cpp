@@ -1,5 +1,7 @@
 #include "cli/Session.h"
 
+#include "cli/Command.h"
+
 #include <QDir>
 #include <QFileInfo>
 
@@ -36,6 +38,14 @@ bool confirmOnTerminal(const std::string& message, const std::string& detail, co
     std::string answer;
     std::getline(std::cin, answer);
     return !answer.empty() && (answer[0] == 'y' || answer[0] == 'Y');
+}
+
+int saveAndSay(AppModel& model) {
+    model.saveNow();
+    if (!model.banner())
+        return Exit::failed;
+    (model.banner()->isError ? std::cerr : std::cout) << model.banner()->text << "\n";
+    return model.banner()->isError ? Exit::failed : Exit::done;
 }
 
 bool stderrIsTerminal() { return isatty(STDERR_FILENO) == 1; }

@@ -26,6 +26,10 @@ private:
 // Asks on the terminal; refuses (saying how to go ahead) when standard input is not one.
 bool confirmOnTerminal(const std::string& message, const std::string& detail, const std::string& button);
 
+// Saves, prints the model's banner (an error banner on standard error) and gives the exit status
+// it stands for; a failure when there is no banner.
+int saveAndSay(AppModel& model);
+
 // Whether standard error is a terminal (progress bars are drawn only there).
 bool stderrIsTerminal();
 // Whether standard input is a terminal (questions are asked only there).

@@ -33,15 +33,6 @@ bool takeScope(std::vector<std::string>& args, TidyChoices& choices) {
     return true;
 }
 
-// Prints the banner the model showed, and gives the exit status it stands for.
-int finish(AppModel& model) {
-    model.saveNow();
-    if (!model.banner())
-        return Exit::failed;
-    (model.banner()->isError ? std::cerr : std::cout) << model.banner()->text << "\n";
-    return model.banner()->isError ? Exit::failed : Exit::done;
-}
-
 void printPlan(const TidyPlan& plan, const std::string& archive, bool json) {
     if (json) {
         for (const Move& move : plan.moves)
@@ -99,7 +90,7 @@ int tidy(std::vector<std::string> args) {
                                    "Nothing is deleted. Undo puts everything back.", "Move"))
         return Exit::failed;
     model.tidy(plan);
-    return finish(model);
+    return saveAndSay(model);
 }
 
 int clear(std::vector<std::string> args) {
@@ -141,7 +132,7 @@ int clear(std::vector<std::string> args) {
         return Exit::done;
     if (!model.trash(paths))
         return Exit::failed;
-    return finish(model);
+    return saveAndSay(model);
 }
 
 int trash(std::vector<std::string> args) {
@@ -154,7 +145,7 @@ int trash(std::vector<std::string> args) {
     Session session(yes);
     if (!session.model().trash(paths))
         return Exit::failed;
-    return finish(session.model());
+    return saveAndSay(session.model());
 }
 
 int undo(std::vector<std::string> args) {
@@ -183,7 +174,7 @@ int undo(std::vector<std::string> args) {
     }
     model.undoLast();
     model.waitUntilIdle();
-    return finish(model);
+    return saveAndSay(model);
 }
 
 LUMIVALE_COMMAND("tidy", "tidy [--layout shelf|month] [--rename] [--scope loose|everything] [--include-private] [--dry-run] [--yes]",

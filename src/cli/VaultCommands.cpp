@@ -12,14 +12,6 @@
 namespace lumivale::cli {
 namespace {
 
-int printBanner(AppModel& model) {
-    model.saveNow();
-    if (!model.banner())
-        return Exit::failed;
-    (model.banner()->isError ? std::cerr : std::cout) << model.banner()->text << "\n";
-    return model.banner()->isError ? Exit::failed : Exit::done;
-}
-
 // Opens the locked area; false (after saying why, when there is something to say) if it stays shut.
 bool open(AppModel& model) {
     model.unlockVault();
@@ -59,7 +51,7 @@ int lock(std::vector<std::string> args) {
         printError("nothing was locked");
         return Exit::failed;
     }
-    const int status = printBanner(model);
+    const int status = saveAndSay(model);
     return model.vaultCount() > before ? status : Exit::failed;
 }
 
@@ -103,7 +95,7 @@ int restore(std::vector<std::string> args) {
     const std::string folder = to.empty() ? std::string(item->shot.folder()) : absolutePathOf(to.back());
     const LockedShot chosen = *item;
     model.restore(chosen, folder);
-    return printBanner(model);
+    return saveAndSay(model);
 }
 
 int discard(std::vector<std::string> args) {
@@ -121,7 +113,7 @@ int discard(std::vector<std::string> args) {
     }
     const LockedShot chosen = *item;
     if (!model.discard(chosen))
-        return model.banner() ? printBanner(model) : Exit::failed;
+        return model.banner() ? saveAndSay(model) : Exit::failed;
     std::cout << "Moved the locked file of \u201c" << chosen.shot.name() << "\u201d to the Trash.\n";
     return Exit::done;
 }
