@@ -35,22 +35,26 @@ GrayImage darkestOfBlocks(const GrayImage& picture) {
     GrayImage blocks{(picture.width + blockSize - 1) / blockSize,
                      (picture.height + blockSize - 1) / blockSize, {}};
     blocks.pixels.assign(size_t(blocks.width) * size_t(blocks.height), 255);
-    for (int y = 0; y < picture.height; ++y)
-        for (int x = 0; x < picture.width; ++x) {
-            uint8_t& block = blocks.pixels[size_t(y / blockSize) * size_t(blocks.width) +
-                                           size_t(x / blockSize)];
-            block = std::min(block, picture.at(x, y));
-        }
+    for (int y = 0; y < picture.height; ++y) {
+        const uint8_t* row = &picture.pixels[size_t(y) * size_t(picture.width)];
+        uint8_t* blockRow = &blocks.pixels[size_t(y / blockSize) * size_t(blocks.width)];
+        for (int x = 0; x < picture.width; ++x)
+            blockRow[x / blockSize] = std::min(blockRow[x / blockSize], row[x]);
+    }
     return blocks;
 }
 
 // Boxes, in the picture's pixels, around the places that may hold a code.
 std::vector<Marks::Box> placesOfCodes(const GrayImage& picture) {
+    const GrayImage blocks = darkestOfBlocks(picture);
     std::vector<Marks::Box> places;
-    for (const Marks::Box& mark : Marks::find(darkestOfBlocks(picture), 128)) {
+    for (const Marks::Box& mark : Marks::find(blocks, 128)) {
         const int shorter = std::min(mark.width(), mark.height());
         const int longer = std::max(mark.width(), mark.height());
-        if (shorter >= smallestPlace && longer <= longestRatio * shorter)
+        // A mark over half the picture is a dark ground; a code that fills the picture was
+        // looked for already, in the picture as a whole.
+        const bool ground = 2 * mark.width() * mark.height() > blocks.width * blocks.height;
+        if (shorter >= smallestPlace && longer <= longestRatio * shorter && !ground)
             places.push_back(mark);
     }
     std::sort(places.begin(), places.end(), [](const Marks::Box& a, const Marks::Box& b) {
@@ -68,10 +72,14 @@ std::vector<Marks::Box> placesOfCodes(const GrayImage& picture) {
     return places;
 }
 
+ZXing::ImageView viewOf(const GrayImage& picture) {
+    return ZXing::ImageView(picture.pixels.data(), picture.width, picture.height,
+                            ZXing::ImageFormat::Lum);
+}
+
 void addKinds(const GrayImage& picture, std::vector<std::string>& names) {
     const auto* pixels = picture.pixels.data();
-    addKinds(ZXing::ImageView(pixels, picture.width, picture.height, ZXing::ImageFormat::Lum),
-             ZXing::BarcodeFormat::Any, names);
+    addKinds(viewOf(picture), ZXing::BarcodeFormat::Any, names);
     for (const Marks::Box& place : placesOfCodes(picture))
         addKinds(ZXing::ImageView(pixels + size_t(place.top) * size_t(picture.width) +
                                       size_t(place.left),
@@ -87,10 +95,12 @@ std::vector<std::string> kindsIn(const GrayImage& picture) {
     if (picture.pixels.empty())
         return names;
     addKinds(picture, names);
+    // Dark screens show their codes on light cards as a rule; a light code on the dark ground
+    // itself is looked for as a whole only.
     if (Preparation::isDark(picture)) {
         GrayImage inverse = picture;
         Preparation::invert(inverse);
-        addKinds(inverse, names);
+        addKinds(viewOf(inverse), ZXing::BarcodeFormat::MatrixCodes, names);
     }
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());

@@ -20,7 +20,7 @@ constexpr double goodLetter = 10;
 constexpr double smallestGoodLetter = 9;
 constexpr double largestGoodLetter = 30;
 constexpr double largestEnlargement = 3;
-constexpr double pixelBudget = 24e6; // bounds the recogniser's memory and time
+constexpr double pixelBudget = 16e6; // bounds the recogniser's memory and time
 
 // A mark is ink when it is this much darker than the picture's median.
 constexpr int inkContrast = 64;
@@ -65,19 +65,22 @@ struct Tiles {
         median.resize(count);
         low.resize(count);
         high.resize(count);
-        std::vector<uint8_t> values;
+        std::array<uint8_t, tileSize * tileSize> values;
         for (int ty = 0; ty < rows; ++ty)
             for (int tx = 0; tx < columns; ++tx) {
-                values.clear();
-                for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y)
-                    for (int x = tx * tileSize; x < std::min(image.width, (tx + 1) * tileSize); ++x)
-                        values.push_back(image.at(x, y));
-                const auto [lo, hi] = std::minmax_element(values.begin(), values.end());
+                size_t n = 0;
+                const int right = std::min(image.width, (tx + 1) * tileSize);
+                for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y) {
+                    const uint8_t* row = &image.pixels[size_t(y) * size_t(image.width)];
+                    for (int x = tx * tileSize; x < right; ++x)
+                        values[n++] = row[x];
+                }
+                const auto [lo, hi] = std::minmax_element(values.begin(), values.begin() + n);
                 const size_t i = index(tx, ty);
                 low[i] = *lo;
                 high[i] = *hi;
-                std::nth_element(values.begin(), values.begin() + values.size() / 2, values.end());
-                median[i] = values[values.size() / 2];
+                std::nth_element(values.begin(), values.begin() + n / 2, values.begin() + n);
+                median[i] = values[n / 2];
             }
     }
 
@@ -194,24 +197,14 @@ void whitenBackgrounds(GrayImage& image) {
 }
 
 std::optional<GrayImage> scaled(const GrayImage& image, double factor) {
-    VipsRef<VipsImage> in(vips_image_new_from_memory(
-        image.pixels.data(), image.pixels.size(), image.width, image.height, 1, VIPS_FORMAT_UCHAR));
+    VipsRef<VipsImage> in(vipsImageOf(image));
     VipsImage* out = nullptr;
     if (!in || vips_resize(in.get(), &out, factor, nullptr)) {
         vips_error_clear();
         return std::nullopt;
     }
     VipsRef<VipsImage> resized(out);
-    size_t size = 0;
-    VipsBuffer data(vips_image_write_to_memory(out, &size));
-    if (!data) {
-        vips_error_clear();
-        return std::nullopt;
-    }
-    GrayImage result{out->Xsize, out->Ysize, {}};
-    const auto* bytes = static_cast<const uint8_t*>(data.get());
-    result.pixels.assign(bytes, bytes + size);
-    return result;
+    return pixelsOf(resized.get());
 }
 
 GrayImage prepare(GrayImage image) {

@@ -1,19 +1,10 @@
 #pragma once
 
-#include <cstdint>
+#include "reading/GrayImage.h"
+
 #include <optional>
-#include <vector>
 
 namespace lumivale {
-
-// A picture as 8-bit grey levels, row after row, with no padding.
-struct GrayImage {
-    int width = 0;
-    int height = 0;
-    std::vector<uint8_t> pixels;
-
-    uint8_t at(int x, int y) const { return pixels[size_t(y) * size_t(width) + size_t(x)]; }
-};
 
 // Makes a picture ready for the text recogniser, which reads dark letters on a light ground
 // best when their lowercase letters stand about ten pixels tall.

@@ -43,9 +43,9 @@ bool vipsStarted() {
     return started;
 }
 
-// A picture file as opened: its recorded size, and its grey picture when it could be decoded.
+// A picture file as opened: its recorded size (0 × 0 when it could not be opened), and its
+// grey picture when it could be decoded.
 struct Opened {
-    bool opened = false;
     int64_t width = 0, height = 0;
     std::optional<GrayImage> picture;
 };
@@ -76,13 +76,7 @@ std::optional<GrayImage> greyPicture(VipsImage* image) {
     if (vips_cast_uchar(grey.get(), &out, nullptr))
         return std::nullopt;
     VipsRef<VipsImage> bytes(out);
-    // The file is decoded here, so a damaged one fails here.
-    size_t size = 0;
-    VipsBuffer data(vips_image_write_to_memory(out, &size));
-    if (!data || size != size_t(out->Xsize) * size_t(out->Ysize))
-        return std::nullopt;
-    const auto* pixels = static_cast<const uint8_t*>(data.get());
-    return GrayImage{out->Xsize, out->Ysize, std::vector<uint8_t>(pixels, pixels + size)};
+    return pixelsOf(bytes.get());
 }
 
 Opened open(const std::string& path) {
@@ -96,7 +90,6 @@ Opened open(const std::string& path) {
                                                              VIPS_FAIL_ON_TRUNCATED, nullptr)
                                 : nullptr);
     if (image) {
-        result.opened = true;
         // The file's own size, as stored: an orientation tag does not swap it.
         result.width = vips_image_get_width(image.get());
         result.height = vips_image_get_height(image.get());
@@ -132,11 +125,10 @@ public:
         const bool done = api_.Recognize(&monitor) == 0;
         std::vector<Lines::Word> words;
         std::unique_ptr<tesseract::ResultIterator> it(api_.GetIterator());
-        if (it && !it->Empty(tesseract::RIL_WORD))
-            do {
-                if (auto word = wordAt(*it))
-                    words.push_back(std::move(*word));
-            } while (it->Next(tesseract::RIL_WORD));
+        if (it && !it->Empty(tesseract::RIL_TEXTLINE))
+            do
+                addWordsOfLine(*it, words);
+            while (it->Next(tesseract::RIL_TEXTLINE));
         for (const Lines::Piece& piece : Lines::pieces(words))
             if (auto line = Lines::make(piece.text, piece.box, picture.width, picture.height))
                 lines.push_back(std::move(*line));
@@ -145,15 +137,22 @@ public:
     }
 
 private:
-    static std::optional<Lines::Word> wordAt(const tesseract::ResultIterator& it) {
-        const std::unique_ptr<char[]> text(it.GetUTF8Text(tesseract::RIL_WORD));
-        Lines::Word word;
-        if (!text || !boxAt(it, tesseract::RIL_WORD, word.box) ||
-            !boxAt(it, tesseract::RIL_TEXTLINE, word.line))
-            return std::nullopt;
-        word.text = text.get();
-        word.startsLine = it.IsAtBeginningOf(tesseract::RIL_TEXTLINE);
-        return word;
+    // Adds the words of the line at `it`, leaving `it` at its last word. The line's box is
+    // asked for once: the engine measures it anew on every call.
+    static void addWordsOfLine(tesseract::ResultIterator& it, std::vector<Lines::Word>& words) {
+        Lines::PixelBox line;
+        if (!boxAt(it, tesseract::RIL_TEXTLINE, line))
+            return;
+        bool first = true;
+        do {
+            const std::unique_ptr<char[]> text(it.GetUTF8Text(tesseract::RIL_WORD));
+            Lines::Word word{text ? text.get() : "", {}, line, first};
+            if (text && boxAt(it, tesseract::RIL_WORD, word.box)) {
+                words.push_back(std::move(word));
+                first = false;
+            }
+        } while (!it.IsAtFinalElement(tesseract::RIL_TEXTLINE, tesseract::RIL_WORD) &&
+                 it.Next(tesseract::RIL_WORD));
     }
 
     static bool boxAt(const tesseract::ResultIterator& it, tesseract::PageIteratorLevel level,
@@ -168,38 +167,30 @@ private:
 
 thread_local Engine engine;
 
-// Reads an opened picture: lines in reading order and barcode kinds.
-void readPicture(const GrayImage& picture, const std::vector<std::string>& languages,
-                 Reading& reading) {
-    try {
-        reading.barcodes = Barcodes::kindsIn(picture);
-        if (!engine.load(ReadingLanguages::models(languages))) {
-            reading.failed = true;
-            return;
-        }
-        reading.failed = !engine.recognise(Preparation::prepare(picture), reading.lines);
-    } catch (const std::exception&) {
-        reading.failed = true;
-    }
-    Lines::sort(reading.lines);
-}
-
 } // namespace
 
 Reading read(const std::string& path, const std::vector<std::string>& languages) {
     Reading reading;
-    const Opened file = open(path);
-    reading.pixelWidth = file.width;
-    reading.pixelHeight = file.height;
-    if (!file.picture) {
+    try {
+        const Opened file = open(path);
+        reading.pixelWidth = file.width;
+        reading.pixelHeight = file.height;
+        if (!file.picture) {
+            reading.failed = true;
+            return reading;
+        }
+        if (reading.pixelWidth == 0) {
+            reading.pixelWidth = file.picture->width;
+            reading.pixelHeight = file.picture->height;
+        }
+        reading.barcodes = Barcodes::kindsIn(*file.picture);
+        reading.failed = !engine.load(ReadingLanguages::models(languages)) ||
+                         !engine.recognise(Preparation::prepare(*file.picture), reading.lines);
+    } catch (const std::exception&) {
+        // Out of memory, or an exception of the engine or the detector.
         reading.failed = true;
-        return reading;
     }
-    if (reading.pixelWidth == 0) {
-        reading.pixelWidth = file.picture->width;
-        reading.pixelHeight = file.picture->height;
-    }
-    readPicture(*file.picture, languages, reading);
+    Lines::sort(reading.lines);
     return reading;
 }
 
