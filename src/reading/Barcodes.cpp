@@ -4,7 +4,6 @@
 #include "reading/Reader.h"
 
 #include <ZXing/ReadBarcode.h>
-
 #include <algorithm>
 
 namespace lumivale::Barcodes {
@@ -16,9 +15,9 @@ namespace {
 // found as marks of a copy reduced by taking the darkest pixel of each 8 × 8 block, in which
 // a code's modules run together into one mark.
 constexpr int blockSize = 8;
-constexpr int smallestPlace = 3;    // blocks on the shorter side
-constexpr int longestRatio = 5;     // a Data Matrix code may be a rectangle up to 4:1
-constexpr size_t mostPlaces = 30;   // the largest ones
+constexpr int smallestPlace = 3;     // blocks on the shorter side
+constexpr int longestRatio = 5;      // a Data Matrix code may be a rectangle up to 4:1
+constexpr size_t mostPlaces = 30;    // the largest ones
 constexpr double placeMargin = 0.25; // of the larger side, added all round
 
 const auto centredKinds = ZXing::BarcodeFormat::Aztec | ZXing::BarcodeFormat::DataMatrix;
@@ -27,13 +26,13 @@ void addKinds(const ZXing::ImageView& view, ZXing::BarcodeFormats formats,
               std::vector<std::string>& names) {
     const auto hints = ZXing::DecodeHints().setFormats(formats).setTryHarder(true);
     for (const ZXing::Result& result : ZXing::ReadBarcodes(view, hints))
-        if (result.isValid())
-            names.push_back(Reader::name(ZXing::ToString(result.format())));
+        if (result.isValid()) names.push_back(Reader::name(ZXing::ToString(result.format())));
 }
 
 GrayImage darkestOfBlocks(const GrayImage& picture) {
     GrayImage blocks{(picture.width + blockSize - 1) / blockSize,
-                     (picture.height + blockSize - 1) / blockSize, {}};
+                     (picture.height + blockSize - 1) / blockSize,
+                     {}};
     blocks.pixels.assign(size_t(blocks.width) * size_t(blocks.height), 255);
     for (int y = 0; y < picture.height; ++y) {
         const uint8_t* row = &picture.pixels[size_t(y) * size_t(picture.width)];
@@ -60,8 +59,7 @@ std::vector<Marks::Box> placesOfCodes(const GrayImage& picture) {
     std::sort(places.begin(), places.end(), [](const Marks::Box& a, const Marks::Box& b) {
         return a.width() * a.height() > b.width() * b.height();
     });
-    if (places.size() > mostPlaces)
-        places.resize(mostPlaces);
+    if (places.size() > mostPlaces) places.resize(mostPlaces);
     for (Marks::Box& place : places) {
         const int margin = int(placeMargin * std::max(place.width(), place.height())) + 1;
         place = {std::max(0, place.left - margin) * blockSize,
@@ -81,10 +79,9 @@ void addKinds(const GrayImage& picture, std::vector<std::string>& names) {
     const auto* pixels = picture.pixels.data();
     addKinds(viewOf(picture), ZXing::BarcodeFormat::Any, names);
     for (const Marks::Box& place : placesOfCodes(picture))
-        addKinds(ZXing::ImageView(pixels + size_t(place.top) * size_t(picture.width) +
-                                      size_t(place.left),
-                                  place.width(), place.height(), ZXing::ImageFormat::Lum,
-                                  picture.width),
+        addKinds(ZXing::ImageView(
+                     pixels + size_t(place.top) * size_t(picture.width) + size_t(place.left),
+                     place.width(), place.height(), ZXing::ImageFormat::Lum, picture.width),
                  centredKinds, names);
 }
 
@@ -92,8 +89,7 @@ void addKinds(const GrayImage& picture, std::vector<std::string>& names) {
 
 std::vector<std::string> kindsIn(const GrayImage& picture) {
     std::vector<std::string> names;
-    if (picture.pixels.empty())
-        return names;
+    if (picture.pixels.empty()) return names;
     addKinds(picture, names);
     // Dark screens show their codes on light cards as a rule; a light code on the dark ground
     // itself is looked for as a whole only.

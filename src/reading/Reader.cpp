@@ -1,18 +1,17 @@
 #include "reading/Reader.h"
 
-#include "reading/Preparation.h"
-#include "reading/ReadingLanguages.h"
 #include "reading/Barcodes.h"
 #include "reading/Lines.h"
+#include "reading/Preparation.h"
+#include "reading/ReadingLanguages.h"
 #include "reading/VipsHandles.h"
-
-#include <tesseract/baseapi.h>
-#include <tesseract/ocrclass.h>
-#include <tesseract/resultiterator.h>
 
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <tesseract/baseapi.h>
+#include <tesseract/ocrclass.h>
+#include <tesseract/resultiterator.h>
 
 namespace lumivale::Reader {
 
@@ -22,8 +21,8 @@ namespace {
 constexpr int longestSide = 3000;
 // Recognition of one picture is given up after this long (a photograph of noise, say).
 constexpr int recognitionDeadlineMs = 30000;
-// Letters prepared to about ten pixels are 10-point print at this resolution; the engine only
-// uses it as a hint for its page layout.
+// The engine takes the resolution only as a hint for its page layout (96 to 300 read alike);
+// stating one keeps it from guessing.
 constexpr int resolution = 300;
 
 void ignoreMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
@@ -31,8 +30,7 @@ void ignoreMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
 // libvips is started once per process, whichever thread reads first.
 bool vipsStarted() {
     static const bool started = [] {
-        if (VIPS_INIT("lumivale"))
-            return false;
+        if (VIPS_INIT("lumivale")) return false;
         // Operations are not cached: every picture is read once, and memory stays bounded.
         vips_cache_set_max(0);
         // A damaged file is reported as a failed reading, not as warnings on the terminal.
@@ -66,29 +64,25 @@ std::optional<GrayImage> greyPicture(VipsImage* image) {
         VipsArrayDouble* background = vips_array_double_new(white, 3);
         const int failed = vips_flatten(colour.get(), &out, "background", background, nullptr);
         vips_area_unref(VIPS_AREA(background));
-        if (failed)
-            return std::nullopt;
+        if (failed) return std::nullopt;
         colour.reset(out);
     }
-    if (vips_colourspace(colour.get(), &out, VIPS_INTERPRETATION_B_W, nullptr))
-        return std::nullopt;
+    if (vips_colourspace(colour.get(), &out, VIPS_INTERPRETATION_B_W, nullptr)) return std::nullopt;
     VipsRef<VipsImage> grey(out);
-    if (vips_cast_uchar(grey.get(), &out, nullptr))
-        return std::nullopt;
+    if (vips_cast_uchar(grey.get(), &out, nullptr)) return std::nullopt;
     VipsRef<VipsImage> bytes(out);
     return pixelsOf(bytes.get());
 }
 
 Opened open(const std::string& path) {
     Opened result;
-    if (!vipsStarted())
-        return result;
+    if (!vipsStarted()) return result;
     // A source, not a file name: libvips would read "[…]" in a file name as load options.
     VipsRef<VipsSource> source(vips_source_new_from_file(path.c_str()));
     VipsRef<VipsImage> image(source ? vips_image_new_from_source(source.get(), "", "access",
-                                                             VIPS_ACCESS_SEQUENTIAL, "fail_on",
-                                                             VIPS_FAIL_ON_TRUNCATED, nullptr)
-                                : nullptr);
+                                                                 VIPS_ACCESS_SEQUENTIAL, "fail_on",
+                                                                 VIPS_FAIL_ON_TRUNCATED, nullptr)
+                                    : nullptr);
     if (image) {
         // The file's own size, as stored: an orientation tag does not swap it.
         result.width = vips_image_get_width(image.get());
@@ -101,17 +95,15 @@ Opened open(const std::string& path) {
 
 // One recognition engine per reading thread, kept for the life of the thread.
 class Engine {
-public:
+  public:
     // Loads the models unless they are loaded already; false when they cannot be.
     bool load(const std::string& models) {
-        if (ready_ && models == models_)
-            return true;
+        if (ready_ && models == models_) return true;
         api_.End();
         api_.SetVariable("debug_file", "/dev/null");
         ready_ = api_.Init(nullptr, models.c_str(), tesseract::OEM_LSTM_ONLY) == 0;
         models_ = models;
-        if (ready_)
-            api_.SetPageSegMode(tesseract::PSM_AUTO);
+        if (ready_) api_.SetPageSegMode(tesseract::PSM_AUTO);
         return ready_;
     }
 
@@ -125,8 +117,7 @@ public:
         const bool done = api_.Recognize(&monitor) == 0;
         std::vector<Lines::Word> words;
         std::unique_ptr<tesseract::ResultIterator> it(api_.GetIterator());
-        if (it && !it->Empty(tesseract::RIL_TEXTLINE))
-            do
+        if (it && !it->Empty(tesseract::RIL_TEXTLINE)) do
                 addWordsOfLine(*it, words);
             while (it->Next(tesseract::RIL_TEXTLINE));
         for (const Lines::Piece& piece : Lines::pieces(words))
@@ -136,13 +127,12 @@ public:
         return done;
     }
 
-private:
+  private:
     // Adds the words of the line at `it`, leaving `it` at its last word. The line's box is
     // asked for once: the engine measures it anew on every call.
     static void addWordsOfLine(tesseract::ResultIterator& it, std::vector<Lines::Word>& words) {
         Lines::PixelBox line;
-        if (!boxAt(it, tesseract::RIL_TEXTLINE, line))
-            return;
+        if (!boxAt(it, tesseract::RIL_TEXTLINE, line)) return;
         bool first = true;
         do {
             const std::unique_ptr<char[]> text(it.GetUTF8Text(tesseract::RIL_WORD));
@@ -195,8 +185,7 @@ Reading read(const std::string& path, const std::vector<std::string>& languages)
 }
 
 std::string name(const std::string& symbology) {
-    if (symbology == "QRCode" || symbology == "MicroQRCode")
-        return "QR";
+    if (symbology == "QRCode" || symbology == "MicroQRCode") return "QR";
     if (symbology == "Aztec" || symbology == "PDF417" || symbology == "DataMatrix")
         return symbology;
     return "Barcode";

@@ -4,11 +4,10 @@
 #include "core/Fold.h"
 #include "support/TempDir.h"
 
-#include <gtest/gtest.h>
-
 #include <cctype>
 #include <filesystem>
 #include <functional>
+#include <gtest/gtest.h>
 #include <set>
 #include <thread>
 
@@ -44,8 +43,7 @@ std::string missingWords(const Reading& reading, const std::vector<std::string>&
     std::string missing;
     for (const auto& line : expected)
         for (const auto& word : wordsOf(line))
-            if (!read.count(word))
-                missing += " " + word;
+            if (!read.count(word)) missing += " " + word;
     return missing;
 }
 
@@ -165,8 +163,7 @@ TEST(ReaderTest, FilesThatAreNoPicturesFailWithoutLinesOrBarcodes) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const std::string path = dir.file(c.name);
-        if (c.name != "missing.png" && c.name != "folder.png")
-            test::writeFile(path, c.bytes);
+        if (c.name != "missing.png" && c.name != "folder.png") test::writeFile(path, c.bytes);
         const Reading reading = Reader::read(path, english);
         EXPECT_TRUE(reading.failed);
         EXPECT_TRUE(reading.lines.empty());
@@ -254,7 +251,8 @@ TEST(ReaderTest, BarcodeKindsAreNamedOnceAndSorted) {
          },
          {"Aztec", "QR"}},
         {"an Aztec code near a corner",
-         [](Canvas& c) { c.barcode(BarcodeFormat::Aztec, "seat 14C", 1350, 500, 8); }, {"Aztec"}},
+         [](Canvas& c) { c.barcode(BarcodeFormat::Aztec, "seat 14C", 1350, 500, 8); },
+         {"Aztec"}},
         {"a Micro QR code alone", [](Canvas& c) { c.modules(microQr, 200, 150, 12); }, {"QR"}},
         {"Data Matrix, PDF417 and Code 128",
          [](Canvas& c) {
@@ -279,9 +277,9 @@ TEST(ReaderTest, BarcodeKindsAreNamedOnceAndSorted) {
 
 TEST(ReaderTest, KindNamesFollowTheSymbology) {
     const std::vector<std::pair<std::string, std::string>> cases{
-        {"QRCode", "QR"},         {"MicroQRCode", "QR"},       {"Aztec", "Aztec"},
-        {"PDF417", "PDF417"},     {"DataMatrix", "DataMatrix"}, {"Code128", "Barcode"},
-        {"EAN13", "Barcode"},     {"MaxiCode", "Barcode"},     {"", "Barcode"},
+        {"QRCode", "QR"},     {"MicroQRCode", "QR"},        {"Aztec", "Aztec"},
+        {"PDF417", "PDF417"}, {"DataMatrix", "DataMatrix"}, {"Code128", "Barcode"},
+        {"EAN13", "Barcode"}, {"MaxiCode", "Barcode"},      {"", "Barcode"},
     };
     for (const auto& [symbology, kind] : cases) {
         SCOPED_TRACE(symbology);
