@@ -50,7 +50,8 @@ std::vector<std::string> picturesIn(const std::string& folder) {
     static const std::set<std::string> kinds = {".png", ".jpg",  ".jpeg", ".heic", ".heif",
                                                 ".tif", ".tiff", ".webp", ".gif",  ".bmp"};
     std::vector<std::string> files;
-    for (const auto& entry : fs::directory_iterator(folder)) {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
         std::string extension = entry.path().extension().string();
         std::transform(extension.begin(), extension.end(), extension.begin(), ::tolower);
         if (entry.is_regular_file() && kinds.count(extension))
@@ -125,6 +126,10 @@ double coreSeconds(int who) {
 void measure(const std::string& label, const std::string& folder, int threads, int rusageWho,
              const std::function<std::optional<std::string>(const std::string&)>& readOne) {
     const auto files = picturesIn(folder);
+    if (files.empty()) {
+        std::printf("%-10s no pictures\n", label.c_str());
+        return;
+    }
     std::vector<std::optional<std::string>> texts(files.size());
     std::atomic<size_t> next = 0;
     const double coreBefore = coreSeconds(rusageWho);
@@ -148,7 +153,7 @@ void measure(const std::string& label, const std::string& folder, int threads, i
         failed += !texts[i];
         countRecall(expected, files[i], texts[i].value_or(""), recall);
     }
-    const double n = double(std::max<size_t>(files.size(), 1));
+    const double n = double(files.size());
     std::printf("%-10s %4zu pictures %3zu failed %7.2f s %7.2f pictures/s %6.3f core-s/picture",
                 label.c_str(), files.size(), failed, wall, double(files.size()) / wall, core / n);
     if (recall.expected > 0)
