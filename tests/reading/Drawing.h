@@ -99,6 +99,15 @@ class Canvas {
         return saved;
     }
 
+    // Saves the picture converted by `convert` (which gives a new image, or nothing).
+    template <typename Convert> bool saveConverted(const std::string& path, Convert convert) const {
+        VipsRef<VipsImage> converted(convert(image_.get()));
+        const bool saved =
+            converted && vips_image_write_to_file(converted.get(), path.c_str(), nullptr) == 0;
+        vips_error_clear();
+        return saved;
+    }
+
     GrayImage grey() const {
         VipsImage* out = nullptr;
         vips_colourspace(image_.get(), &out, VIPS_INTERPRETATION_B_W, nullptr);

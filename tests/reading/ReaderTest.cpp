@@ -78,6 +78,62 @@ TEST_P(ReaderFormatTest, ReadsTheWordsAndSizeOfAPictureInThisFormat) {
 INSTANTIATE_TEST_SUITE_P(Formats, ReaderFormatTest,
                          testing::Values("png", "jpg", "webp", "tif", "gif", "bmp", "heic"));
 
+// Conversions of a drawn picture into other pixel formats.
+VipsImage* inkOnTransparent(VipsImage* picture) {
+    // Black ink whose opacity is the picture's darkness, as a window capture's cut-out.
+    VipsImage *grey = nullptr, *opacity = nullptr, *none = nullptr, *ink = nullptr;
+    vips_colourspace(picture, &grey, VIPS_INTERPRETATION_B_W, nullptr);
+    VipsRef<VipsImage> a(grey);
+    vips_invert(grey, &opacity, nullptr);
+    VipsRef<VipsImage> b(opacity);
+    vips_linear1(picture, &none, 0, 0, "uchar", TRUE, nullptr);
+    VipsRef<VipsImage> c(none);
+    vips_bandjoin2(none, opacity, &ink, nullptr);
+    VipsRef<VipsImage> d(ink);
+    VipsImage* tagged = nullptr;
+    vips_copy(ink, &tagged, "interpretation", VIPS_INTERPRETATION_sRGB, nullptr);
+    return tagged;
+}
+
+VipsImage* sixteenBitGrey(VipsImage* picture) {
+    VipsImage *grey = nullptr, *wide = nullptr;
+    vips_colourspace(picture, &grey, VIPS_INTERPRETATION_GREY16, nullptr);
+    VipsRef<VipsImage> a(grey);
+    vips_copy(grey, &wide, nullptr);
+    return wide;
+}
+
+VipsImage* cmyk(VipsImage* picture) {
+    VipsImage* out = nullptr;
+    vips_colourspace(picture, &out, VIPS_INTERPRETATION_CMYK, nullptr);
+    return out;
+}
+
+TEST(ReaderTest, PicturesOfOtherPixelFormatsRead) {
+    struct Case {
+        const char* name;
+        VipsImage* (*convert)(VipsImage*);
+        int bands;
+    };
+    const std::vector<Case> cases{
+        {"ink.png", inkOnTransparent, 4},
+        {"grey16.png", sixteenBitGrey, 1},
+        {"cmyk.jpg", cmyk, 4},
+    };
+    test::TempDir dir;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ASSERT_TRUE(receipt().saveConverted(dir.file(c.name), c.convert));
+        VipsRef<VipsImage> saved(vips_image_new_from_file(dir.file(c.name).c_str(), nullptr));
+        ASSERT_TRUE(saved);
+        EXPECT_EQ(vips_image_get_bands(saved.get()), c.bands);
+        const Reading reading = Reader::read(dir.file(c.name), english);
+        EXPECT_FALSE(reading.failed);
+        EXPECT_EQ(reading.pixelWidth, 900);
+        EXPECT_EQ(missingWords(reading, receiptLines), "");
+    }
+}
+
 TEST(ReaderTest, LinesComeInReadingOrderWithBoxesFromTheLowerLeft) {
     test::TempDir dir;
     Canvas canvas(1200, 800, white);
