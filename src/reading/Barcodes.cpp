@@ -4,7 +4,6 @@
 #include "reading/Reader.h"
 
 #include <ZXing/ReadBarcode.h>
-
 #include <algorithm>
 
 namespace lumivale::Barcodes {
@@ -16,9 +15,9 @@ namespace {
 // found as marks of a copy reduced by taking the darkest pixel of each 8 × 8 block, in which
 // a code's modules run together into one mark.
 constexpr int blockSize = 8;
-constexpr int smallestPlace = 3;    // blocks on the shorter side
-constexpr int longestRatio = 5;     // a Data Matrix code may be a rectangle up to 4:1
-constexpr size_t mostPlaces = 30;   // the largest ones
+constexpr int smallestPlace = 3;     // blocks on the shorter side
+constexpr int longestRatio = 5;      // a Data Matrix code may be a rectangle up to 4:1
+constexpr size_t mostPlaces = 30;    // the largest ones
 constexpr double placeMargin = 0.25; // of the larger side, added all round
 
 const auto centredKinds = ZXing::BarcodeFormat::Aztec | ZXing::BarcodeFormat::DataMatrix;
@@ -44,31 +43,35 @@ void addKinds(const ZXing::ImageView& view, ZXing::BarcodeFormats formats,
 
 GrayImage darkestOfBlocks(const GrayImage& picture) {
     GrayImage blocks{(picture.width + blockSize - 1) / blockSize,
-                     (picture.height + blockSize - 1) / blockSize, {}};
+                     (picture.height + blockSize - 1) / blockSize,
+                     {}};
     blocks.pixels.assign(size_t(blocks.width) * size_t(blocks.height), 255);
-    for (int y = 0; y < picture.height; ++y)
-        for (int x = 0; x < picture.width; ++x) {
-            uint8_t& block = blocks.pixels[size_t(y / blockSize) * size_t(blocks.width) +
-                                           size_t(x / blockSize)];
-            block = std::min(block, picture.at(x, y));
-        }
+    for (int y = 0; y < picture.height; ++y) {
+        const uint8_t* row = &picture.pixels[size_t(y) * size_t(picture.width)];
+        uint8_t* blockRow = &blocks.pixels[size_t(y / blockSize) * size_t(blocks.width)];
+        for (int x = 0; x < picture.width; ++x)
+            blockRow[x / blockSize] = std::min(blockRow[x / blockSize], row[x]);
+    }
     return blocks;
 }
 
 // Boxes, in the picture's pixels, around the places that may hold a code.
 std::vector<Marks::Box> placesOfCodes(const GrayImage& picture) {
+    const GrayImage blocks = darkestOfBlocks(picture);
     std::vector<Marks::Box> places;
-    for (const Marks::Box& mark : Marks::find(darkestOfBlocks(picture), 128)) {
+    for (const Marks::Box& mark : Marks::find(blocks, 128)) {
         const int shorter = std::min(mark.width(), mark.height());
         const int longer = std::max(mark.width(), mark.height());
-        if (shorter >= smallestPlace && longer <= longestRatio * shorter)
+        // A mark over half the picture is a dark ground; a code that fills the picture was
+        // looked for already, in the picture as a whole.
+        const bool ground = 2 * mark.width() * mark.height() > blocks.width * blocks.height;
+        if (shorter >= smallestPlace && longer <= longestRatio * shorter && !ground)
             places.push_back(mark);
     }
     std::sort(places.begin(), places.end(), [](const Marks::Box& a, const Marks::Box& b) {
         return a.width() * a.height() > b.width() * b.height();
     });
-    if (places.size() > mostPlaces)
-        places.resize(mostPlaces);
+    if (places.size() > mostPlaces) places.resize(mostPlaces);
     for (Marks::Box& place : places) {
         const int margin = int(placeMargin * std::max(place.width(), place.height())) + 1;
         place = {std::max(0, place.left - margin) * blockSize,
@@ -79,15 +82,18 @@ std::vector<Marks::Box> placesOfCodes(const GrayImage& picture) {
     return places;
 }
 
+ZXing::ImageView viewOf(const GrayImage& picture) {
+    return ZXing::ImageView(picture.pixels.data(), picture.width, picture.height,
+                            ZXing::ImageFormat::Lum);
+}
+
 void addKinds(const GrayImage& picture, std::vector<std::string>& names) {
     const auto* pixels = picture.pixels.data();
-    addKinds(ZXing::ImageView(pixels, picture.width, picture.height, ZXing::ImageFormat::Lum),
-             ZXing::BarcodeFormat::Any, names);
+    addKinds(viewOf(picture), ZXing::BarcodeFormat::Any, names);
     for (const Marks::Box& place : placesOfCodes(picture))
-        addKinds(ZXing::ImageView(pixels + size_t(place.top) * size_t(picture.width) +
-                                      size_t(place.left),
-                                  place.width(), place.height(), ZXing::ImageFormat::Lum,
-                                  picture.width),
+        addKinds(ZXing::ImageView(
+                     pixels + size_t(place.top) * size_t(picture.width) + size_t(place.left),
+                     place.width(), place.height(), ZXing::ImageFormat::Lum, picture.width),
                  centredKinds, names);
 }
 
@@ -95,13 +101,14 @@ void addKinds(const GrayImage& picture, std::vector<std::string>& names) {
 
 std::vector<std::string> kindsIn(const GrayImage& picture) {
     std::vector<std::string> names;
-    if (picture.pixels.empty())
-        return names;
+    if (picture.pixels.empty()) return names;
     addKinds(picture, names);
+    // Dark screens show their codes on light cards as a rule; a light code on the dark ground
+    // itself is looked for as a whole only.
     if (Preparation::isDark(picture)) {
         GrayImage inverse = picture;
         Preparation::invert(inverse);
-        addKinds(inverse, names);
+        addKinds(viewOf(inverse), ZXing::BarcodeFormat::MatrixCodes, names);
     }
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());

@@ -17,7 +17,8 @@ std::vector<Piece> pieces(const std::vector<Word>& words) {
     for (size_t i = 0; i < words.size(); ++i) {
         const Word& word = words[i];
         const int lineHeight = word.line.bottom - word.line.top;
-        if (i == 0 || word.startsLine || word.box.left - words[i - 1].box.right > widestGap * lineHeight) {
+        if (i == 0 || word.startsLine ||
+            word.box.left - words[i - 1].box.right > widestGap * lineHeight) {
             found.push_back({word.text, word.box});
             continue;
         }
@@ -32,12 +33,10 @@ std::vector<Piece> pieces(const std::vector<Word>& words) {
 
 std::optional<TextLine> make(std::string_view text, PixelBox box, int width, int height) {
     const size_t first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos || width <= 0 || height <= 0)
-        return std::nullopt;
+    if (first == std::string_view::npos || width <= 0 || height <= 0) return std::nullopt;
     // The engine closes every line with a line feed; white space inside a line stays.
     const size_t last = text.find_last_not_of(" \t\n");
-    if (last == std::string_view::npos || last < first)
-        return std::nullopt;
+    if (last == std::string_view::npos || last < first) return std::nullopt;
     const float w = float(width), h = float(height);
     return TextLine{std::string(text.substr(first, last - first + 1)), float(box.left) / w,
                     1.0f - float(box.bottom) / h, float(box.right - box.left) / w,
@@ -45,8 +44,7 @@ std::optional<TextLine> make(std::string_view text, PixelBox box, int width, int
 }
 
 bool precedes(const TextLine& a, const TextLine& b) {
-    if (std::fabs(a.y - b.y) > rowTolerance)
-        return a.y > b.y;
+    if (std::fabs(a.y - b.y) > rowTolerance) return a.y > b.y;
     return a.x < b.x;
 }
 

@@ -9,7 +9,7 @@ namespace {
 
 // Marks grown run by run, merged as runs turn out to touch.
 class Forest {
-public:
+  public:
     int add(int left, int right, int y) {
         parent_.push_back(int(parent_.size()));
         boxes_.push_back({left, y, right, y});
@@ -19,8 +19,7 @@ public:
     void join(int a, int b) {
         a = root(a);
         b = root(b);
-        if (a == b)
-            return;
+        if (a == b) return;
         parent_[b] = a;
         Box& box = boxes_[a];
         const Box& other = boxes_[b];
@@ -31,12 +30,11 @@ public:
     std::vector<Box> boxes() {
         std::vector<Box> found;
         for (int i = 0; i < int(parent_.size()); ++i)
-            if (root(i) == i)
-                found.push_back(boxes_[i]);
+            if (root(i) == i) found.push_back(boxes_[i]);
         return found;
     }
 
-private:
+  private:
     int root(int a) {
         while (parent_[a] != a)
             a = parent_[a] = parent_[parent_[a]];

@@ -5,10 +5,8 @@
 
 #include <algorithm>
 #include <array>
-#include <climits>
 #include <cmath>
 #include <cstdlib>
-#include <numeric>
 
 namespace lumivale::Preparation {
 
@@ -20,12 +18,15 @@ constexpr double goodLetter = 10;
 constexpr double smallestGoodLetter = 9;
 constexpr double largestGoodLetter = 30;
 constexpr double largestEnlargement = 3;
-constexpr double pixelBudget = 24e6; // bounds the recogniser's memory and time
+constexpr double pixelBudget = 16e6; // bounds the recogniser's memory and time
 
 // A mark is ink when it is this much darker than the picture's median.
 constexpr int inkContrast = 64;
-// Fewer letter-shaped marks than this say nothing about the text size.
+// Fewer letter-shaped marks than this say nothing about the text size; so does a picture
+// whose marks are mostly not letter-shaped (a photograph, noise: enlarging it would only
+// multiply the specks the recogniser wades through).
 constexpr size_t fewestLetters = 8;
+constexpr size_t marksPerLetter = 4;
 
 // Background whitening works on tiles of 8 × 8 pixels; a tile's ground is the median of the
 // tile medians around it (5 × 5 tiles), so that letters, even bold ones, never count as ground.
@@ -65,19 +66,22 @@ struct Tiles {
         median.resize(count);
         low.resize(count);
         high.resize(count);
-        std::vector<uint8_t> values;
+        std::array<uint8_t, tileSize * tileSize> values;
         for (int ty = 0; ty < rows; ++ty)
             for (int tx = 0; tx < columns; ++tx) {
-                values.clear();
-                for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y)
-                    for (int x = tx * tileSize; x < std::min(image.width, (tx + 1) * tileSize); ++x)
-                        values.push_back(image.at(x, y));
-                const auto [lo, hi] = std::minmax_element(values.begin(), values.end());
+                size_t n = 0;
+                const int right = std::min(image.width, (tx + 1) * tileSize);
+                for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y) {
+                    const uint8_t* row = &image.pixels[size_t(y) * size_t(image.width)];
+                    for (int x = tx * tileSize; x < right; ++x)
+                        values[n++] = row[x];
+                }
+                const auto [lo, hi] = std::minmax_element(values.begin(), values.begin() + n);
                 const size_t i = index(tx, ty);
                 low[i] = *lo;
                 high[i] = *hi;
-                std::nth_element(values.begin(), values.begin() + values.size() / 2, values.end());
-                median[i] = values[values.size() / 2];
+                std::nth_element(values.begin(), values.begin() + n / 2, values.begin() + n);
+                median[i] = values[n / 2];
             }
     }
 
@@ -90,8 +94,8 @@ struct Tiles {
         for (int ty = 0; ty < rows; ++ty)
             for (int tx = 0; tx < columns; ++tx) {
                 near.clear();
-                for (int y = std::max(0, ty - groundReach); y <= std::min(rows - 1, ty + groundReach);
-                     ++y)
+                for (int y = std::max(0, ty - groundReach);
+                     y <= std::min(rows - 1, ty + groundReach); ++y)
                     for (int x = std::max(0, tx - groundReach);
                          x <= std::min(columns - 1, tx + groundReach); ++x)
                         near.push_back(median[index(x, y)]);
@@ -109,8 +113,7 @@ std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& gr
     std::vector<int> votes; // > 0: lighter text
     std::vector<size_t> pending;
     for (size_t start = 0; start < ground.size(); ++start) {
-        if (region[start] >= 0)
-            continue;
+        if (region[start] >= 0) continue;
         const int id = int(votes.size());
         votes.push_back(0);
         region[start] = id;
@@ -123,8 +126,7 @@ std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& gr
             const int tx = int(i % size_t(tiles.columns)), ty = int(i / size_t(tiles.columns));
             for (const auto& [dx, dy] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
                 const int x = tx + dx, y = ty + dy;
-                if (x < 0 || y < 0 || x >= tiles.columns || y >= tiles.rows)
-                    continue;
+                if (x < 0 || y < 0 || x >= tiles.columns || y >= tiles.rows) continue;
                 const size_t j = tiles.index(x, y);
                 if (region[j] < 0 && std::abs(ground[j] - ground[i]) <= sameGround) {
                     region[j] = id;
@@ -141,7 +143,9 @@ std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& gr
 
 } // namespace
 
-bool isDark(const GrayImage& image) { return !image.pixels.empty() && median(image) < 128; }
+bool isDark(const GrayImage& image) {
+    return !image.pixels.empty() && median(image) < 128;
+}
 
 void invert(GrayImage& image) {
     for (uint8_t& v : image.pixels)
@@ -149,78 +153,75 @@ void invert(GrayImage& image) {
 }
 
 double letterHeight(const GrayImage& image) {
-    if (image.pixels.empty())
-        return 0;
+    if (image.pixels.empty()) return 0;
     const int inkBelow = int(median(image)) - inkContrast;
+    const std::vector<Marks::Box> marks = Marks::find(image, inkBelow);
     std::vector<int> heights;
-    for (const Marks::Box& box : Marks::find(image, inkBelow))
-        if (looksLikeLetter(box, image.height))
-            heights.push_back(box.height());
-    if (heights.size() < fewestLetters)
-        return 0;
+    for (const Marks::Box& box : marks)
+        if (looksLikeLetter(box, image.height)) heights.push_back(box.height());
+    if (heights.size() < fewestLetters || heights.size() * marksPerLetter < marks.size()) return 0;
     std::nth_element(heights.begin(), heights.begin() + heights.size() / 2, heights.end());
     return heights[heights.size() / 2];
 }
 
 double scaleFor(double letterHeight, int width, int height) {
-    if (letterHeight <= 0 || width <= 0 || height <= 0)
-        return 1;
-    if (letterHeight > largestGoodLetter)
-        return largestGoodLetter / letterHeight;
-    if (letterHeight >= smallestGoodLetter)
-        return 1;
+    if (letterHeight <= 0 || width <= 0 || height <= 0) return 1;
+    if (letterHeight > largestGoodLetter) return largestGoodLetter / letterHeight;
+    if (letterHeight >= smallestGoodLetter) return 1;
     const double budget = std::sqrt(pixelBudget / (double(width) * double(height)));
     return std::max(1.0, std::min({goodLetter / letterHeight, largestEnlargement, budget}));
 }
 
 void whitenBackgrounds(GrayImage& image) {
-    if (image.pixels.empty())
-        return;
+    if (image.pixels.empty()) return;
     const Tiles tiles(image);
     const std::vector<int> ground = tiles.grounds();
     const std::vector<bool> lightText = lightTextByTile(tiles, ground);
+    std::vector<int> near;
     for (int ty = 0; ty < tiles.rows; ++ty)
         for (int tx = 0; tx < tiles.columns; ++tx) {
-            const size_t i = tiles.index(tx, ty);
-            if (lightText[i])
-                continue;
-            const int base = std::max(ground[i], 1);
+            if (lightText[tiles.index(tx, ty)]) continue;
+            // Where two grounds meet (a card's edge), a tile holds both: each pixel is taken
+            // against the darkest ground around that is not darker than itself, so both
+            // grounds turn white and no edge is left to read as a bracket.
+            near.clear();
+            for (int y = std::max(0, ty - groundReach);
+                 y <= std::min(tiles.rows - 1, ty + groundReach); ++y)
+                for (int x = std::max(0, tx - groundReach);
+                     x <= std::min(tiles.columns - 1, tx + groundReach); ++x)
+                    if (!lightText[tiles.index(x, y)])
+                        near.push_back(std::max(ground[tiles.index(x, y)], 1));
+            std::sort(near.begin(), near.end());
             for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y)
                 for (int x = tx * tileSize; x < std::min(image.width, (tx + 1) * tileSize); ++x) {
                     uint8_t& v = image.pixels[size_t(y) * size_t(image.width) + size_t(x)];
-                    v = uint8_t(std::min(255, v * 255 / base));
+                    const auto base = std::lower_bound(near.begin(), near.end(), v - sameGround);
+                    v = uint8_t(
+                        std::min(255, v * 255 / (base == near.end() ? near.back() : *base)));
                 }
         }
 }
 
 std::optional<GrayImage> scaled(const GrayImage& image, double factor) {
-    VipsRef<VipsImage> in(vips_image_new_from_memory(
-        image.pixels.data(), image.pixels.size(), image.width, image.height, 1, VIPS_FORMAT_UCHAR));
+    VipsRef<VipsImage> in(vipsImageOf(image));
     VipsImage* out = nullptr;
     if (!in || vips_resize(in.get(), &out, factor, nullptr)) {
         vips_error_clear();
         return std::nullopt;
     }
     VipsRef<VipsImage> resized(out);
-    size_t size = 0;
-    VipsBuffer data(vips_image_write_to_memory(out, &size));
-    if (!data) {
-        vips_error_clear();
-        return std::nullopt;
-    }
-    GrayImage result{out->Xsize, out->Ysize, {}};
-    const auto* bytes = static_cast<const uint8_t*>(data.get());
-    result.pixels.assign(bytes, bytes + size);
-    return result;
+    return pixelsOf(resized.get());
 }
 
 GrayImage prepare(GrayImage image) {
-    if (isDark(image))
-        invert(image);
-    const double factor = scaleFor(letterHeight(image), image.width, image.height);
+    if (isDark(image)) invert(image);
+    const double letters = letterHeight(image);
+    // A picture without letters to measure (a photograph, a picture with hardly any text) is
+    // read as it is: enlarged and whitened, its texture would become a sea of specks.
+    if (letters == 0) return image;
+    const double factor = scaleFor(letters, image.width, image.height);
     if (factor != 1)
-        if (auto resized = scaled(image, factor))
-            image = std::move(*resized);
+        if (auto resized = scaled(image, factor)) image = std::move(*resized);
     whitenBackgrounds(image);
     return image;
 }

@@ -1,19 +1,10 @@
 #pragma once
 
-#include <cstdint>
+#include "reading/GrayImage.h"
+
 #include <optional>
-#include <vector>
 
 namespace lumivale {
-
-// A picture as 8-bit grey levels, row after row, with no padding.
-struct GrayImage {
-    int width = 0;
-    int height = 0;
-    std::vector<uint8_t> pixels;
-
-    uint8_t at(int x, int y) const { return pixels[size_t(y) * size_t(width) + size_t(x)]; }
-};
 
 // Makes a picture ready for the text recogniser, which reads dark letters on a light ground
 // best when their lowercase letters stand about ten pixels tall.
@@ -27,7 +18,8 @@ bool isDark(const GrayImage& image);
 void invert(GrayImage& image);
 
 // The typical height in pixels of the letters of dark text on a light picture: the median
-// height of the letter-shaped dark marks; 0 when there are too few to tell.
+// height of the letter-shaped dark marks; 0 when there are too few to tell, or when most marks
+// are not letter-shaped (a photograph).
 double letterHeight(const GrayImage& image);
 
 // The factor that brings letters of this height to a good size, for a picture of this many
@@ -43,7 +35,8 @@ void whitenBackgrounds(GrayImage& image);
 // The picture scaled by `factor`; nothing when it cannot be scaled.
 std::optional<GrayImage> scaled(const GrayImage& image, double factor);
 
-// The picture made ready for recognition: dark text on light ground, letters of a good size.
+// The picture made ready for recognition: dark text on light ground, letters of a good size,
+// tinted grounds whitened; a picture without measurable letters is only made light.
 GrayImage prepare(GrayImage image);
 
 } // namespace Preparation

@@ -1,18 +1,17 @@
 #include "reading/Reader.h"
 
-#include "reading/Preparation.h"
-#include "reading/ReadingLanguages.h"
 #include "reading/Barcodes.h"
 #include "reading/Lines.h"
+#include "reading/Preparation.h"
+#include "reading/ReadingLanguages.h"
 #include "reading/VipsHandles.h"
-
-#include <tesseract/baseapi.h>
-#include <tesseract/ocrclass.h>
-#include <tesseract/resultiterator.h>
 
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <tesseract/baseapi.h>
+#include <tesseract/ocrclass.h>
+#include <tesseract/resultiterator.h>
 
 namespace lumivale::Reader {
 
@@ -22,8 +21,8 @@ namespace {
 constexpr int longestSide = 3000;
 // Recognition of one picture is given up after this long (a photograph of noise, say).
 constexpr int recognitionDeadlineMs = 30000;
-// Letters prepared to about ten pixels are 10-point print at this resolution; the engine only
-// uses it as a hint for its page layout.
+// The engine takes the resolution only as a hint for its page layout (96 to 300 read alike);
+// stating one keeps it from guessing.
 constexpr int resolution = 300;
 
 void ignoreMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
@@ -31,8 +30,7 @@ void ignoreMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
 // libvips is started once per process, whichever thread reads first.
 bool vipsStarted() {
     static const bool started = [] {
-        if (VIPS_INIT("lumivale"))
-            return false;
+        if (VIPS_INIT("lumivale")) return false;
         // Operations are not cached: every picture is read once, and memory stays bounded.
         vips_cache_set_max(0);
         // A damaged file is reported as a failed reading, not as warnings on the terminal.
@@ -43,9 +41,9 @@ bool vipsStarted() {
     return started;
 }
 
-// A picture file as opened: its recorded size, and its grey picture when it could be decoded.
+// A picture file as opened: its recorded size (0 × 0 when it could not be opened), and its
+// grey picture when it could be decoded.
 struct Opened {
-    bool opened = false;
     int64_t width = 0, height = 0;
     std::optional<GrayImage> picture;
 };
@@ -66,37 +64,26 @@ std::optional<GrayImage> greyPicture(VipsImage* image) {
         VipsArrayDouble* background = vips_array_double_new(white, 3);
         const int failed = vips_flatten(colour.get(), &out, "background", background, nullptr);
         vips_area_unref(VIPS_AREA(background));
-        if (failed)
-            return std::nullopt;
+        if (failed) return std::nullopt;
         colour.reset(out);
     }
-    if (vips_colourspace(colour.get(), &out, VIPS_INTERPRETATION_B_W, nullptr))
-        return std::nullopt;
+    if (vips_colourspace(colour.get(), &out, VIPS_INTERPRETATION_B_W, nullptr)) return std::nullopt;
     VipsRef<VipsImage> grey(out);
-    if (vips_cast_uchar(grey.get(), &out, nullptr))
-        return std::nullopt;
+    if (vips_cast_uchar(grey.get(), &out, nullptr)) return std::nullopt;
     VipsRef<VipsImage> bytes(out);
-    // The file is decoded here, so a damaged one fails here.
-    size_t size = 0;
-    VipsBuffer data(vips_image_write_to_memory(out, &size));
-    if (!data || size != size_t(out->Xsize) * size_t(out->Ysize))
-        return std::nullopt;
-    const auto* pixels = static_cast<const uint8_t*>(data.get());
-    return GrayImage{out->Xsize, out->Ysize, std::vector<uint8_t>(pixels, pixels + size)};
+    return pixelsOf(bytes.get());
 }
 
 Opened open(const std::string& path) {
     Opened result;
-    if (!vipsStarted())
-        return result;
+    if (!vipsStarted()) return result;
     // A source, not a file name: libvips would read "[…]" in a file name as load options.
     VipsRef<VipsSource> source(vips_source_new_from_file(path.c_str()));
     VipsRef<VipsImage> image(source ? vips_image_new_from_source(source.get(), "", "access",
-                                                             VIPS_ACCESS_SEQUENTIAL, "fail_on",
-                                                             VIPS_FAIL_ON_TRUNCATED, nullptr)
-                                : nullptr);
+                                                                 VIPS_ACCESS_SEQUENTIAL, "fail_on",
+                                                                 VIPS_FAIL_ON_TRUNCATED, nullptr)
+                                    : nullptr);
     if (image) {
-        result.opened = true;
         // The file's own size, as stored: an orientation tag does not swap it.
         result.width = vips_image_get_width(image.get());
         result.height = vips_image_get_height(image.get());
@@ -108,17 +95,15 @@ Opened open(const std::string& path) {
 
 // One recognition engine per reading thread, kept for the life of the thread.
 class Engine {
-public:
+  public:
     // Loads the models unless they are loaded already; false when they cannot be.
     bool load(const std::string& models) {
-        if (ready_ && models == models_)
-            return true;
+        if (ready_ && models == models_) return true;
         api_.End();
         api_.SetVariable("debug_file", "/dev/null");
         ready_ = api_.Init(nullptr, models.c_str(), tesseract::OEM_LSTM_ONLY) == 0;
         models_ = models;
-        if (ready_)
-            api_.SetPageSegMode(tesseract::PSM_AUTO);
+        if (ready_) api_.SetPageSegMode(tesseract::PSM_AUTO);
         return ready_;
     }
 
@@ -132,11 +117,9 @@ public:
         const bool done = api_.Recognize(&monitor) == 0;
         std::vector<Lines::Word> words;
         std::unique_ptr<tesseract::ResultIterator> it(api_.GetIterator());
-        if (it && !it->Empty(tesseract::RIL_WORD))
-            do {
-                if (auto word = wordAt(*it))
-                    words.push_back(std::move(*word));
-            } while (it->Next(tesseract::RIL_WORD));
+        if (it && !it->Empty(tesseract::RIL_TEXTLINE)) do
+                addWordsOfLine(*it, words);
+            while (it->Next(tesseract::RIL_TEXTLINE));
         for (const Lines::Piece& piece : Lines::pieces(words))
             if (auto line = Lines::make(piece.text, piece.box, picture.width, picture.height))
                 lines.push_back(std::move(*line));
@@ -144,16 +127,22 @@ public:
         return done;
     }
 
-private:
-    static std::optional<Lines::Word> wordAt(const tesseract::ResultIterator& it) {
-        const std::unique_ptr<char[]> text(it.GetUTF8Text(tesseract::RIL_WORD));
-        Lines::Word word;
-        if (!text || !boxAt(it, tesseract::RIL_WORD, word.box) ||
-            !boxAt(it, tesseract::RIL_TEXTLINE, word.line))
-            return std::nullopt;
-        word.text = text.get();
-        word.startsLine = it.IsAtBeginningOf(tesseract::RIL_TEXTLINE);
-        return word;
+  private:
+    // Adds the words of the line at `it`, leaving `it` at its last word. The line's box is
+    // asked for once: the engine measures it anew on every call.
+    static void addWordsOfLine(tesseract::ResultIterator& it, std::vector<Lines::Word>& words) {
+        Lines::PixelBox line;
+        if (!boxAt(it, tesseract::RIL_TEXTLINE, line)) return;
+        bool first = true;
+        do {
+            const std::unique_ptr<char[]> text(it.GetUTF8Text(tesseract::RIL_WORD));
+            Lines::Word word{text ? text.get() : "", {}, line, first};
+            if (text && boxAt(it, tesseract::RIL_WORD, word.box)) {
+                words.push_back(std::move(word));
+                first = false;
+            }
+        } while (!it.IsAtFinalElement(tesseract::RIL_TEXTLINE, tesseract::RIL_WORD) &&
+                 it.Next(tesseract::RIL_WORD));
     }
 
     static bool boxAt(const tesseract::ResultIterator& it, tesseract::PageIteratorLevel level,
@@ -168,44 +157,35 @@ private:
 
 thread_local Engine engine;
 
-// Reads an opened picture: lines in reading order and barcode kinds.
-void readPicture(const GrayImage& picture, const std::vector<std::string>& languages,
-                 Reading& reading) {
-    try {
-        reading.barcodes = Barcodes::kindsIn(picture);
-        if (!engine.load(ReadingLanguages::models(languages))) {
-            reading.failed = true;
-            return;
-        }
-        reading.failed = !engine.recognise(Preparation::prepare(picture), reading.lines);
-    } catch (const std::exception&) {
-        reading.failed = true;
-    }
-    Lines::sort(reading.lines);
-}
-
 } // namespace
 
 Reading read(const std::string& path, const std::vector<std::string>& languages) {
     Reading reading;
-    const Opened file = open(path);
-    reading.pixelWidth = file.width;
-    reading.pixelHeight = file.height;
-    if (!file.picture) {
+    try {
+        const Opened file = open(path);
+        reading.pixelWidth = file.width;
+        reading.pixelHeight = file.height;
+        if (!file.picture) {
+            reading.failed = true;
+            return reading;
+        }
+        if (reading.pixelWidth == 0) {
+            reading.pixelWidth = file.picture->width;
+            reading.pixelHeight = file.picture->height;
+        }
+        reading.barcodes = Barcodes::kindsIn(*file.picture);
+        reading.failed = !engine.load(ReadingLanguages::models(languages)) ||
+                         !engine.recognise(Preparation::prepare(*file.picture), reading.lines);
+    } catch (const std::exception&) {
+        // Out of memory, or an exception of the engine or the detector.
         reading.failed = true;
-        return reading;
     }
-    if (reading.pixelWidth == 0) {
-        reading.pixelWidth = file.picture->width;
-        reading.pixelHeight = file.picture->height;
-    }
-    readPicture(*file.picture, languages, reading);
+    Lines::sort(reading.lines);
     return reading;
 }
 
 std::string name(const std::string& symbology) {
-    if (symbology == "QRCode" || symbology == "MicroQRCode")
-        return "QR";
+    if (symbology == "QRCode" || symbology == "MicroQRCode") return "QR";
     if (symbology == "Aztec" || symbology == "PDF417" || symbology == "DataMatrix")
         return symbology;
     return "Barcode";

@@ -19,18 +19,18 @@ struct Model {
 
 // In this order the installed models are listed.
 constexpr std::array<Model, 30> modelTable{{
-    {"eng", "en-US"},     {"deu", "de-DE"},     {"fra", "fr-FR"}, {"spa", "es-ES"},
-    {"ita", "it-IT"},     {"por", "pt-BR"},     {"nld", "nl-NL"}, {"swe", "sv-SE"},
-    {"dan", "da-DK"},     {"nor", "nb-NO"},     {"fin", "fi-FI"}, {"pol", "pl-PL"},
-    {"ces", "cs-CZ"},     {"slk", "sk-SK"},     {"hun", "hu-HU"}, {"tur", "tr-TR"},
-    {"rus", "ru-RU"},     {"ukr", "uk-UA"},     {"ell", "el-GR"}, {"heb", "he-IL"},
-    {"ara", "ar-SA"},     {"hin", "hi-IN"},     {"tha", "th-TH"}, {"vie", "vi-VN"},
-    {"ind", "id-ID"},     {"msa", "ms-MY"},     {"jpn", "ja-JP"}, {"chi_sim", "zh-Hans"},
+    {"eng", "en-US"},       {"deu", "de-DE"}, {"fra", "fr-FR"}, {"spa", "es-ES"},
+    {"ita", "it-IT"},       {"por", "pt-BR"}, {"nld", "nl-NL"}, {"swe", "sv-SE"},
+    {"dan", "da-DK"},       {"nor", "nb-NO"}, {"fin", "fi-FI"}, {"pol", "pl-PL"},
+    {"ces", "cs-CZ"},       {"slk", "sk-SK"}, {"hun", "hu-HU"}, {"tur", "tr-TR"},
+    {"rus", "ru-RU"},       {"ukr", "uk-UA"}, {"ell", "el-GR"}, {"heb", "he-IL"},
+    {"ara", "ar-SA"},       {"hin", "hi-IN"}, {"tha", "th-TH"}, {"vie", "vi-VN"},
+    {"ind", "id-ID"},       {"msa", "ms-MY"}, {"jpn", "ja-JP"}, {"chi_sim", "zh-Hans"},
     {"chi_tra", "zh-Hant"}, {"kor", "ko-KR"},
 }};
 
 // Read last, after every other language.
-constexpr std::array<std::string_view, 6> lastTags{"zh-Hans", "zh-Hant", "yue-Hans",
+constexpr std::array<std::string_view, 6> lastTags{"zh-Hans",  "zh-Hant", "yue-Hans",
                                                    "yue-Hant", "ja-JP",   "ko-KR"};
 
 // Where the engine finds its models: TESSDATA_PREFIX names the folder itself, as the engine
@@ -45,24 +45,23 @@ bool installed(std::string_view model) {
     return fs::is_regular_file(modelFolder() / (std::string(model) + ".traineddata"), ec);
 }
 
-std::string_view baseOf(std::string_view tag) { return tag.substr(0, tag.find_first_of("-_")); }
+std::string_view baseOf(std::string_view tag) {
+    return tag.substr(0, tag.find_first_of("-_"));
+}
 
 // The model for a tag: the one with the same tag, else the first of the same language.
 const Model* modelFor(std::string_view tag) {
     for (const auto& m : modelTable)
-        if (m.tag == tag)
-            return &m;
+        if (m.tag == tag) return &m;
     for (const auto& m : modelTable)
-        if (baseOf(m.tag) == baseOf(tag))
-            return &m;
+        if (baseOf(m.tag) == baseOf(tag)) return &m;
     return nullptr;
 }
 
 // "de_DE.UTF-8@euro" → "de-DE"; "C", "POSIX" and "" name no language.
 std::string tagOfLocale(std::string_view locale) {
     locale = locale.substr(0, locale.find_first_of(".@"));
-    if (locale.empty() || locale == "C" || locale == "POSIX")
-        return {};
+    if (locale.empty() || locale == "C" || locale == "POSIX") return {};
     std::string tag(locale);
     std::replace(tag.begin(), tag.end(), '_', '-');
     return tag;
@@ -73,10 +72,8 @@ std::string tagOfLocale(std::string_view locale) {
 std::vector<std::string> supported() {
     std::vector<std::string> tags;
     for (const auto& m : modelTable)
-        if (installed(m.name))
-            tags.emplace_back(m.tag);
-    if (tags.empty())
-        tags.emplace_back("en-US");
+        if (installed(m.name)) tags.emplace_back(m.tag);
+    if (tags.empty()) tags.emplace_back("en-US");
     return tags;
 }
 
@@ -90,15 +87,12 @@ std::vector<std::string> preferred() {
                 tags.push_back(std::move(tag));
             rest = colon == std::string_view::npos ? std::string_view() : rest.substr(colon + 1);
         }
-        if (!tags.empty())
-            return tags;
+        if (!tags.empty()) return tags;
     }
     for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
         const char* value = std::getenv(name);
-        if (!value || !*value)
-            continue;
-        if (std::string tag = tagOfLocale(value); !tag.empty())
-            tags.push_back(std::move(tag));
+        if (!value || !*value) continue;
+        if (std::string tag = tagOfLocale(value); !tag.empty()) tags.push_back(std::move(tag));
         break;
     }
     return tags;
@@ -118,8 +112,7 @@ std::vector<std::string> defaults(const std::vector<std::string>& preferred,
             std::find(result.begin(), result.end(), *match) == result.end())
             result.push_back(*match);
     }
-    if (result.empty() && !supported.empty())
-        result.push_back(supported.front());
+    if (result.empty() && !supported.empty()) result.push_back(supported.front());
     std::stable_partition(result.begin(), result.end(), [](const std::string& tag) {
         return std::find(lastTags.begin(), lastTags.end(), tag) == lastTags.end();
     });
@@ -130,10 +123,10 @@ std::string models(const std::vector<std::string>& tags) {
     std::vector<std::string_view> names;
     for (const std::string& tag : tags)
         if (const Model* m = modelFor(tag);
-            m && installed(m->name) && std::find(names.begin(), names.end(), m->name) == names.end())
+            m && installed(m->name) &&
+            std::find(names.begin(), names.end(), m->name) == names.end())
             names.push_back(m->name);
-    if (names.empty())
-        return "eng";
+    if (names.empty()) return "eng";
     std::string joined(names.front());
     for (size_t i = 1; i < names.size(); ++i)
         joined.append("+").append(names[i]);

@@ -1,16 +1,14 @@
 #pragma once
 // Owning handles for libvips objects and buffers, so every error path lets go of them.
 
-#include <vips/vips.h>
-
 #include <memory>
+#include <vips/vips.h>
 
 namespace lumivale {
 
 struct VipsUnref {
     void operator()(void* object) const {
-        if (object)
-            g_object_unref(object);
+        if (object) g_object_unref(object);
     }
 };
 

@@ -7,7 +7,6 @@
 
 #include <ZXing/BitMatrix.h>
 #include <ZXing/MultiFormatWriter.h>
-
 #include <array>
 #include <stdexcept>
 #include <string>
@@ -20,12 +19,11 @@ inline constexpr Colour white{255, 255, 255}, black{0, 0, 0};
 
 inline void startVips() {
     static const bool started = VIPS_INIT("lumivale-test") == 0;
-    if (!started)
-        throw std::runtime_error("libvips does not start");
+    if (!started) throw std::runtime_error("libvips does not start");
 }
 
 class Canvas {
-public:
+  public:
     Canvas(int width, int height, Colour ground) {
         startVips();
         VipsImage* blank = nullptr;
@@ -72,13 +70,13 @@ public:
     // A barcode made by the detector's own writer, at `module` pixels per module.
     Canvas& barcode(ZXing::BarcodeFormat format, const std::string& content, int x, int y,
                     int module) {
-        const ZXing::BitMatrix matrix = ZXing::MultiFormatWriter(format).setMargin(0).encode(
-            content, 0, 0);
-        std::vector<std::string> rows(size_t(matrix.height()), std::string(size_t(matrix.width()), '.'));
+        const ZXing::BitMatrix matrix =
+            ZXing::MultiFormatWriter(format).setMargin(0).encode(content, 0, 0);
+        std::vector<std::string> rows(size_t(matrix.height()),
+                                      std::string(size_t(matrix.width()), '.'));
         for (int r = 0; r < matrix.height(); ++r)
             for (int c = 0; c < matrix.width(); ++c)
-                if (matrix.get(c, r))
-                    rows[size_t(r)][size_t(c)] = '#';
+                if (matrix.get(c, r)) rows[size_t(r)][size_t(c)] = '#';
         return modules(rows, x, y, module);
     }
 
@@ -101,6 +99,15 @@ public:
         return saved;
     }
 
+    // Saves the picture converted by `convert` (which gives a new image, or nothing).
+    template <typename Convert> bool saveConverted(const std::string& path, Convert convert) const {
+        VipsRef<VipsImage> converted(convert(image_.get()));
+        const bool saved =
+            converted && vips_image_write_to_file(converted.get(), path.c_str(), nullptr) == 0;
+        vips_error_clear();
+        return saved;
+    }
+
     GrayImage grey() const {
         VipsImage* out = nullptr;
         vips_colourspace(image_.get(), &out, VIPS_INTERPRETATION_B_W, nullptr);
@@ -113,7 +120,7 @@ public:
         return GrayImage{out->Xsize, out->Ysize, std::vector<uint8_t>(pixels, pixels + size)};
     }
 
-private:
+  private:
     VipsRef<VipsImage> image_;
 };
 

@@ -1,13 +1,14 @@
 #include "reading/Lines.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 
 namespace lumivale {
 namespace {
 
-TextLine at(const char* text, float x, float y) { return TextLine{text, x, y, 0.1f, 0.02f}; }
+TextLine at(const char* text, float x, float y) {
+    return TextLine{text, x, y, 0.1f, 0.02f};
+}
 
 std::vector<std::string> textsOf(const std::vector<TextLine>& lines) {
     std::vector<std::string> texts;
@@ -29,14 +30,18 @@ TEST(LinesTest, PiecesCutTheEnginesLinesAtWideGaps) {
         std::vector<std::string> texts;
     };
     const std::vector<Case> cases{
-        {"one line of words", {word("Total", 10, 60, one, true), word("paid", 70, 110, one)},
+        {"one line of words",
+         {word("Total", 10, 60, one, true), word("paid", 70, 110, one)},
          {"Total paid"}},
-        {"a gap of twice the height stays", {word("a", 0, 10, one, true), word("b", 50, 60, one)},
+        {"a gap of twice the height stays",
+         {word("a", 0, 10, one, true), word("b", 50, 60, one)},
          {"a b"}},
-        {"a wider gap cuts", {word("Wi-Fi", 0, 50, one, true), word("On", 91, 110, one)},
+        {"a wider gap cuts",
+         {word("Wi-Fi", 0, 50, one, true), word("On", 91, 110, one)},
          {"Wi-Fi", "On"}},
         {"each of the engine's lines starts anew",
-         {word("first", 0, 50, one, true), word("second", 0, 60, two, true), word("line", 70, 100, two)},
+         {word("first", 0, 50, one, true), word("second", 0, 60, two, true),
+          word("line", 70, 100, two)},
          {"first", "second line"}},
         {"nothing", {}, {}},
     };
@@ -66,11 +71,23 @@ TEST(LinesTest, MakeTrimsTheTextAndTurnsTheBoxToTheLowerLeft) {
         std::optional<TextLine> line;
     };
     const std::vector<Case> cases{
-        {"the engine's line feed goes", "Total 12.50\n", {100, 50, 300, 70}, 1000, 500,
+        {"the engine's line feed goes",
+         "Total 12.50\n",
+         {100, 50, 300, 70},
+         1000,
+         500,
          TextLine{"Total 12.50", 0.1f, 0.86f, 0.2f, 0.04f}},
-        {"spaces and tabs around go", " \tHello world \t\n", {0, 0, 500, 100}, 1000, 500,
+        {"spaces and tabs around go",
+         " \tHello world \t\n",
+         {0, 0, 500, 100},
+         1000,
+         500,
          TextLine{"Hello world", 0.0f, 0.8f, 0.5f, 0.2f}},
-        {"space inside stays", "a  b", {0, 400, 1000, 500}, 1000, 500,
+        {"space inside stays",
+         "a  b",
+         {0, 400, 1000, 500},
+         1000,
+         500,
          TextLine{"a  b", 0.0f, 0.0f, 1.0f, 0.2f}},
         {"only spaces", "   \t \n", {0, 0, 10, 10}, 100, 100, std::nullopt},
         {"empty", "", {0, 0, 10, 10}, 100, 100, std::nullopt},
@@ -81,8 +98,7 @@ TEST(LinesTest, MakeTrimsTheTextAndTurnsTheBoxToTheLowerLeft) {
         SCOPED_TRACE(c.name);
         const auto line = Lines::make(c.text, c.box, c.width, c.height);
         ASSERT_EQ(line.has_value(), c.line.has_value());
-        if (!line)
-            continue;
+        if (!line) continue;
         EXPECT_EQ(line->text, c.line->text);
         EXPECT_FLOAT_EQ(line->x, c.line->x);
         EXPECT_FLOAT_EQ(line->y, c.line->y);
@@ -100,8 +116,8 @@ TEST(LinesTest, PrecedesReadsRowsTopDownAndEachRowLeftToRight) {
     const std::vector<Case> cases{
         {"0.005 apart: one row, left first", at("a", 0.1f, 0.500f), at("b", 0.5f, 0.505f), true,
          false},
-        {"0.01 apart: higher first though right", at("a", 0.1f, 0.50f), at("b", 0.5f, 0.51f),
-         false, true},
+        {"0.01 apart: higher first though right", at("a", 0.1f, 0.50f), at("b", 0.5f, 0.51f), false,
+         true},
         {"0.008 apart still one row", at("a", 0.6f, 0.500f), at("b", 0.2f, 0.508f), false, true},
         {"just over 0.008 apart", at("a", 0.6f, 0.5090f), at("b", 0.2f, 0.5f), true, false},
         {"same place: neither first", at("a", 0.3f, 0.4f), at("b", 0.3f, 0.4f), false, false},
@@ -123,7 +139,8 @@ TEST(LinesTest, SortPutsLinesInReadingOrderKeepingTies) {
         {"two rows given bottom-up and right-to-left",
          {at("d", 0.6f, 0.2f), at("c", 0.1f, 0.2f), at("b", 0.6f, 0.8f), at("a", 0.1f, 0.803f)},
          {"a", "b", "c", "d"}},
-        {"ties keep the given order", {at("x", 0.2f, 0.5f), at("y", 0.2f, 0.5f), at("z", 0.2f, 0.5f)},
+        {"ties keep the given order",
+         {at("x", 0.2f, 0.5f), at("y", 0.2f, 0.5f), at("z", 0.2f, 0.5f)},
          {"x", "y", "z"}},
         {"nothing", {}, {}},
         {"one line", {at("only", 0.5f, 0.5f)}, {"only"}},

@@ -2,10 +2,10 @@
 
 #include "Drawing.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <functional>
+#include <gtest/gtest.h>
+#include <random>
 
 namespace lumivale {
 namespace {
@@ -56,10 +56,13 @@ TEST(PreparationTest, LetterHeightIsUnknownWithoutEnoughLetters) {
         {"blank", [](Canvas&) {}},
         {"rules and frames only",
          [](Canvas& c) {
-             c.rect(black, 10, 10, 500, 2).rect(black, 10, 50, 2, 200).rect(black, 100, 100, 300, 150);
+             c.rect(black, 10, 10, 500, 2)
+                 .rect(black, 10, 50, 2, 200)
+                 .rect(black, 100, 100, 300, 150);
          }},
         {"three letters", [](Canvas& c) { c.text(black, 20, 20, "Liberation Sans 20", "abc"); }},
-        {"light text on white", [](Canvas& c) {
+        {"light text on white",
+         [](Canvas& c) {
              c.text({200, 200, 200}, 20, 20, "Liberation Sans 20", sentence);
          }},
     };
@@ -72,6 +75,30 @@ TEST(PreparationTest, LetterHeightIsUnknownWithoutEnoughLetters) {
     EXPECT_EQ(Preparation::letterHeight(GrayImage{}), 0);
 }
 
+// Grey noise like a photograph's texture: light on average, specks everywhere.
+GrayImage noise(int width, int height) {
+    std::mt19937 random(7);
+    std::normal_distribution<double> grey(150, 60);
+    GrayImage image{width, height, std::vector<uint8_t>(size_t(width) * size_t(height))};
+    for (uint8_t& v : image.pixels)
+        v = uint8_t(std::clamp(grey(random), 0.0, 255.0));
+    return image;
+}
+
+TEST(PreparationTest, APhotographIsNotTakenForText) {
+    const GrayImage texture = noise(900, 600);
+    EXPECT_EQ(Preparation::letterHeight(texture), 0);
+    EXPECT_EQ(Preparation::prepare(texture).pixels, texture.pixels);
+
+    // The same with a few words on it: still mostly specks.
+    Canvas canvas(900, 600, white);
+    canvas.text(black, 20, 20, "Liberation Sans 12", sentence);
+    GrayImage withWords = canvas.grey();
+    for (size_t i = 0; i < withWords.pixels.size(); ++i)
+        withWords.pixels[i] = std::min(withWords.pixels[i], texture.pixels[i]);
+    EXPECT_EQ(Preparation::letterHeight(withWords), 0);
+}
+
 TEST(PreparationTest, ScaleBringsLettersToAGoodSizeWithinTheBudget) {
     struct Case {
         double letter;
@@ -79,10 +106,10 @@ TEST(PreparationTest, ScaleBringsLettersToAGoodSizeWithinTheBudget) {
         double expected;
     };
     const std::vector<Case> cases{
-        {5, 1000, 800, 2.0},        {8, 1000, 800, 1.25},       {9, 1000, 800, 1.0},
-        {20, 1000, 800, 1.0},       {30, 1000, 800, 1.0},       {60, 1000, 800, 0.5},
-        {120, 3000, 2000, 0.25},    {2, 1000, 800, 3.0},        {4, 3000, 2000, 2.0},
-        {4, 3000, 3000, 1.632993},  {0, 1000, 800, 1.0},        {5, 0, 0, 1.0},
+        {5, 1000, 800, 2.0},       {8, 1000, 800, 1.25}, {9, 1000, 800, 1.0},
+        {20, 1000, 800, 1.0},      {30, 1000, 800, 1.0}, {60, 1000, 800, 0.5},
+        {120, 3000, 2000, 0.25},   {2, 1000, 800, 3.0},  {4, 1600, 1000, 2.5},
+        {4, 3000, 2000, 1.632993}, {0, 1000, 800, 1.0},  {5, 0, 0, 1.0},
         {2, 6000, 6000, 1.0},
     };
     for (const Case& c : cases) {
@@ -144,9 +171,12 @@ TEST(PreparationTest, PrepareGivesDarkTextOnLightGroundAtAGoodSize) {
         SCOPED_TRACE(c.name);
         Canvas canvas(c.font * 28, c.font * 5, c.ground);
         canvas.text(c.ink, c.font, c.font, "Liberation Sans " + std::to_string(c.font), sentence);
-        canvas.text(c.ink, c.font, c.font * 3, "Liberation Sans " + std::to_string(c.font), sentence);
+        canvas.text(c.ink, c.font, c.font * 3, "Liberation Sans " + std::to_string(c.font),
+                    sentence);
         const GrayImage prepared = Preparation::prepare(canvas.grey());
-        EXPECT_EQ(prepared.width > canvas.width() ? 1 : prepared.width < canvas.width() ? -1 : 0,
+        EXPECT_EQ(prepared.width > canvas.width()   ? 1
+                  : prepared.width < canvas.width() ? -1
+                                                    : 0,
                   c.scale);
         EXPECT_FALSE(Preparation::isDark(prepared));
         EXPECT_GT(lightShare(prepared, 0, 0, prepared.width, prepared.height, 250), 0.8);

@@ -4,11 +4,10 @@
 #include "core/Fold.h"
 #include "support/TempDir.h"
 
-#include <gtest/gtest.h>
-
 #include <cctype>
 #include <filesystem>
 #include <functional>
+#include <gtest/gtest.h>
 #include <set>
 #include <thread>
 
@@ -44,8 +43,7 @@ std::string missingWords(const Reading& reading, const std::vector<std::string>&
     std::string missing;
     for (const auto& line : expected)
         for (const auto& word : wordsOf(line))
-            if (!read.count(word))
-                missing += " " + word;
+            if (!read.count(word)) missing += " " + word;
     return missing;
 }
 
@@ -79,6 +77,62 @@ TEST_P(ReaderFormatTest, ReadsTheWordsAndSizeOfAPictureInThisFormat) {
 
 INSTANTIATE_TEST_SUITE_P(Formats, ReaderFormatTest,
                          testing::Values("png", "jpg", "webp", "tif", "gif", "bmp", "heic"));
+
+// Conversions of a drawn picture into other pixel formats.
+VipsImage* inkOnTransparent(VipsImage* picture) {
+    // Black ink whose opacity is the picture's darkness, as a window capture's cut-out.
+    VipsImage *grey = nullptr, *opacity = nullptr, *none = nullptr, *ink = nullptr;
+    vips_colourspace(picture, &grey, VIPS_INTERPRETATION_B_W, nullptr);
+    VipsRef<VipsImage> a(grey);
+    vips_invert(grey, &opacity, nullptr);
+    VipsRef<VipsImage> b(opacity);
+    vips_linear1(picture, &none, 0, 0, "uchar", TRUE, nullptr);
+    VipsRef<VipsImage> c(none);
+    vips_bandjoin2(none, opacity, &ink, nullptr);
+    VipsRef<VipsImage> d(ink);
+    VipsImage* tagged = nullptr;
+    vips_copy(ink, &tagged, "interpretation", VIPS_INTERPRETATION_sRGB, nullptr);
+    return tagged;
+}
+
+VipsImage* sixteenBitGrey(VipsImage* picture) {
+    VipsImage *grey = nullptr, *wide = nullptr;
+    vips_colourspace(picture, &grey, VIPS_INTERPRETATION_GREY16, nullptr);
+    VipsRef<VipsImage> a(grey);
+    vips_copy(grey, &wide, nullptr);
+    return wide;
+}
+
+VipsImage* cmyk(VipsImage* picture) {
+    VipsImage* out = nullptr;
+    vips_colourspace(picture, &out, VIPS_INTERPRETATION_CMYK, nullptr);
+    return out;
+}
+
+TEST(ReaderTest, PicturesOfOtherPixelFormatsRead) {
+    struct Case {
+        const char* name;
+        VipsImage* (*convert)(VipsImage*);
+        int bands;
+    };
+    const std::vector<Case> cases{
+        {"ink.png", inkOnTransparent, 4},
+        {"grey16.png", sixteenBitGrey, 1},
+        {"cmyk.jpg", cmyk, 4},
+    };
+    test::TempDir dir;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ASSERT_TRUE(receipt().saveConverted(dir.file(c.name), c.convert));
+        VipsRef<VipsImage> saved(vips_image_new_from_file(dir.file(c.name).c_str(), nullptr));
+        ASSERT_TRUE(saved);
+        EXPECT_EQ(vips_image_get_bands(saved.get()), c.bands);
+        const Reading reading = Reader::read(dir.file(c.name), english);
+        EXPECT_FALSE(reading.failed);
+        EXPECT_EQ(reading.pixelWidth, 900);
+        EXPECT_EQ(missingWords(reading, receiptLines), "");
+    }
+}
 
 TEST(ReaderTest, LinesComeInReadingOrderWithBoxesFromTheLowerLeft) {
     test::TempDir dir;
@@ -165,8 +219,7 @@ TEST(ReaderTest, FilesThatAreNoPicturesFailWithoutLinesOrBarcodes) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const std::string path = dir.file(c.name);
-        if (c.name != "missing.png" && c.name != "folder.png")
-            test::writeFile(path, c.bytes);
+        if (c.name != "missing.png" && c.name != "folder.png") test::writeFile(path, c.bytes);
         const Reading reading = Reader::read(path, english);
         EXPECT_TRUE(reading.failed);
         EXPECT_TRUE(reading.lines.empty());
@@ -254,7 +307,8 @@ TEST(ReaderTest, BarcodeKindsAreNamedOnceAndSorted) {
          },
          {"Aztec", "QR"}},
         {"an Aztec code near a corner",
-         [](Canvas& c) { c.barcode(BarcodeFormat::Aztec, "seat 14C", 1350, 500, 8); }, {"Aztec"}},
+         [](Canvas& c) { c.barcode(BarcodeFormat::Aztec, "seat 14C", 1350, 500, 8); },
+         {"Aztec"}},
         {"a Micro QR code alone", [](Canvas& c) { c.modules(microQr, 200, 150, 12); }, {"QR"}},
         {"Data Matrix, PDF417 and Code 128",
          [](Canvas& c) {
@@ -279,9 +333,9 @@ TEST(ReaderTest, BarcodeKindsAreNamedOnceAndSorted) {
 
 TEST(ReaderTest, KindNamesFollowTheSymbology) {
     const std::vector<std::pair<std::string, std::string>> cases{
-        {"QRCode", "QR"},         {"MicroQRCode", "QR"},       {"Aztec", "Aztec"},
-        {"PDF417", "PDF417"},     {"DataMatrix", "DataMatrix"}, {"Code128", "Barcode"},
-        {"EAN13", "Barcode"},     {"MaxiCode", "Barcode"},     {"", "Barcode"},
+        {"QRCode", "QR"},     {"MicroQRCode", "QR"},        {"Aztec", "Aztec"},
+        {"PDF417", "PDF417"}, {"DataMatrix", "DataMatrix"}, {"Code128", "Barcode"},
+        {"EAN13", "Barcode"}, {"MaxiCode", "Barcode"},      {"", "Barcode"},
     };
     for (const auto& [symbology, kind] : cases) {
         SCOPED_TRACE(symbology);

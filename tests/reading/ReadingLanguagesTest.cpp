@@ -2,9 +2,8 @@
 
 #include "support/TempDir.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
+#include <gtest/gtest.h>
 #include <map>
 #include <optional>
 
@@ -15,7 +14,7 @@ using Tags = std::vector<std::string>;
 
 // Sets (or, with nothing, unsets) environment variables for its lifetime.
 class Environment {
-public:
+  public:
     explicit Environment(const std::map<std::string, std::optional<std::string>>& values) {
         for (const auto& [name, value] : values) {
             const char* old = std::getenv(name.c_str());
@@ -28,7 +27,7 @@ public:
             set(name, value);
     }
 
-private:
+  private:
     static void set(const std::string& name, const std::optional<std::string>& value) {
         if (value)
             setenv(name.c_str(), value->c_str(), 1);
@@ -44,23 +43,30 @@ TEST(ReadingLanguagesTest, DefaultsPutEnglishFirstThenPreferredMatchesAndEastAsi
         Tags preferred, supported, expected;
     };
     const std::vector<Case> cases{
-        {"regional variants find their language", {"de-DE", "fr-CH"}, {"en-US", "fr-FR", "de-DE"},
+        {"regional variants find their language",
+         {"de-DE", "fr-CH"},
+         {"en-US", "fr-FR", "de-DE"},
          {"en-US", "de-DE", "fr-FR"}},
         {"Japanese goes last", {"ja-JP", "en-GB"}, {"en-US", "ja-JP"}, {"en-US", "ja-JP"}},
         {"no preference, no English: the first supported", {}, {"fr-FR", "de-DE"}, {"fr-FR"}},
         {"nothing supported", {"de-DE"}, {}, {}},
-        {"the first of the language wins, even over the exact tag", {"pt-PT"},
-         {"en-US", "pt-BR", "pt-PT"}, {"en-US", "pt-BR"}},
+        {"the first of the language wins, even over the exact tag",
+         {"pt-PT"},
+         {"en-US", "pt-BR", "pt-PT"},
+         {"en-US", "pt-BR"}},
         {"the exact tag when it comes first", {"pt-PT"}, {"pt-PT", "pt-BR"}, {"pt-PT"}},
         {"a bare language", {"sv"}, {"en-US", "sv-SE"}, {"en-US", "sv-SE"}},
         {"a supported bare language", {"sv-FI"}, {"en-US", "sv"}, {"en-US", "sv"}},
         {"underscores separate too", {"nl_BE"}, {"en-US", "nl-NL"}, {"en-US", "nl-NL"}},
         {"each tag once", {"de-AT", "de-CH", "en-US"}, {"en-US", "de-DE"}, {"en-US", "de-DE"}},
-        {"unsupported preferences are dropped", {"xx-YY", "fi-FI"}, {"en-US", "fi-FI"},
+        {"unsupported preferences are dropped",
+         {"xx-YY", "fi-FI"},
+         {"en-US", "fi-FI"},
          {"en-US", "fi-FI"}},
         {"no prefix match across languages", {"e"}, {"es-ES"}, {"es-ES"}},
         {"Chinese, Japanese and Korean keep their order after the rest",
-         {"ko-KR", "zh-Hant", "ru-RU", "ja-JP"}, {"ja-JP", "ko-KR", "zh-Hant", "ru-RU"},
+         {"ko-KR", "zh-Hant", "ru-RU", "ja-JP"},
+         {"ja-JP", "ko-KR", "zh-Hant", "ru-RU"},
          {"ru-RU", "ko-KR", "zh-Hant", "ja-JP"}},
     };
     for (const Case& c : cases) {
@@ -77,7 +83,11 @@ TEST(ReadingLanguagesTest, PreferredComesFromLanguageElseTheLocale) {
     };
     const std::nullopt_t none = std::nullopt;
     const std::vector<Case> cases{
-        {"LANGUAGE lists several", "de_DE.UTF-8:fr_CH:en", "C.UTF-8", none, none,
+        {"LANGUAGE lists several",
+         "de_DE.UTF-8:fr_CH:en",
+         "C.UTF-8",
+         none,
+         none,
          {"de-DE", "fr-CH", "en"}},
         {"empty entries of LANGUAGE are skipped", ":pt_BR::", none, none, none, {"pt-BR"}},
         {"empty LANGUAGE: LC_ALL", "", "de_DE.UTF-8", "fr_FR.UTF-8", "es_ES.UTF-8", {"de-DE"}},
@@ -135,9 +145,9 @@ TEST(ReadingLanguagesTest, SupportedListsTheInstalledModelsWithKnownTags) {
 
 TEST(ReadingLanguagesTest, ModelsJoinTheInstalledModelsOfTheTags) {
     test::TempDir dir;
-    const Environment env({{"TESSDATA_PREFIX",
-                            modelFolder(dir, {"eng.traineddata", "deu.traineddata",
-                                              "chi_tra.traineddata"})}});
+    const Environment env(
+        {{"TESSDATA_PREFIX",
+          modelFolder(dir, {"eng.traineddata", "deu.traineddata", "chi_tra.traineddata"})}});
     struct Case {
         const char* name;
         Tags tags;
