@@ -202,12 +202,7 @@ std::optional<std::string> readWithTesseract(const std::string& file) {
 } // namespace
 
 int main(int argc, char** argv) {
-    // The OpenMP runtime reads its limit when the program loads, so the limit is set by
-    // starting the program again with it.
-    if (const char* limit = std::getenv("OMP_THREAD_LIMIT"); !limit || std::strcmp(limit, "1")) {
-        setenv("OMP_THREAD_LIMIT", "1", 1);
-        execv("/proc/self/exe", argv);
-    }
+    Reader::startWithOneRecognitionThread(argv);
     std::vector<std::string> args(argv + 1, argv + argc);
     if (const auto flag = std::find(args.begin(), args.end(), "--details"); flag != args.end()) {
         details = true;

@@ -1,6 +1,7 @@
 // The `lumivale` program: with a subcommand it works headless; --help lists the subcommands.
 
 #include "cli/Command.h"
+#include "reading/Reader.h"
 
 #include <QGuiApplication>
 
@@ -40,8 +41,7 @@ void chooseHeadlessPlatform() {
 } // namespace
 
 int main(int argc, char** argv) {
-    // Each reading thread runs its own recognition engine; their own threading would only compete.
-    setenv("OMP_THREAD_LIMIT", "1", 0);
+    lumivale::Reader::startWithOneRecognitionThread(argv);
 
     std::vector<std::string> args(argv + 1, argv + argc);
     // The self-check replaces the normal start when LUMIVALE_SELFTEST names its folder.

@@ -7,11 +7,14 @@
 #include "reading/VipsHandles.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <tesseract/baseapi.h>
 #include <tesseract/ocrclass.h>
 #include <tesseract/resultiterator.h>
+#include <unistd.h>
 
 namespace lumivale::Reader {
 
@@ -189,6 +192,13 @@ std::string name(const std::string& symbology) {
     if (symbology == "Aztec" || symbology == "PDF417" || symbology == "DataMatrix")
         return symbology;
     return "Barcode";
+}
+
+void startWithOneRecognitionThread(char** argv) {
+    if (const char* limit = std::getenv("OMP_THREAD_LIMIT"); limit && std::strcmp(limit, "1") == 0)
+        return;
+    setenv("OMP_THREAD_LIMIT", "1", 1);
+    execv("/proc/self/exe", argv);
 }
 
 } // namespace lumivale::Reader

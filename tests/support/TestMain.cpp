@@ -12,6 +12,12 @@
 namespace fs = std::filesystem;
 
 int main(int argc, char** argv) {
+    // Recognition must run with one OpenMP thread, as in the program; the runtime reads the
+    // limit only when the program loads, so the test program starts again with it set.
+    if (const char* limit = std::getenv("OMP_THREAD_LIMIT"); !limit || std::string(limit) != "1") {
+        setenv("OMP_THREAD_LIMIT", "1", 1);
+        execv("/proc/self/exe", argv);
+    }
     std::string root = fs::temp_directory_path().string() + "/lumivale-test-XXXXXX";
     if (!mkdtemp(root.data()))
         return 2;
