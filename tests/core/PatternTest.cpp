@@ -38,14 +38,11 @@ INSTANTIATE_TEST_SUITE_P(
     Money, PatternMatches,
     testing::Values(MatchCase{"rupees", &Pattern::money, "Total ₹1,250.00", {"₹1,250.00"}},
                     MatchCase{"rs", &Pattern::money, "Rs. 499 only", {"Rs. 499"}},
-                    MatchCase{"usd", &Pattern::money, "USD 12.50", {"USD 12.50"}},
                     MatchCase{"euroAfter", &Pattern::money, "12,50 €", {"12,50 €"}},
                     MatchCase{"bare", &Pattern::money, "MRP 1,299.00", {"1,299.00"}},
                     MatchCase{"several", &Pattern::money, "$5 and £7.25", {"$5", "£7.25"}},
-                    MatchCase{"inrAfter", &Pattern::money, "450 INR", {"450 INR"}},
                     MatchCase{"version", &Pattern::money, "build 12.30.45", {}},
                     MatchCase{"clock", &Pattern::money, "at 10:15", {}},
-                    MatchCase{"date", &Pattern::money, "12/03.24", {}},
                     MatchCase{"percent", &Pattern::money, "12.50%", {}},
                     MatchCase{"rsInsideWord", &Pattern::money, "Hrs 12", {}}),
     [](const auto& info) { return std::string(info.param.name); });
@@ -54,7 +51,6 @@ INSTANTIATE_TEST_SUITE_P(
     Discounts, PatternMatches,
     testing::Values(MatchCase{"plain", &Pattern::percentOff, "Flat 50% off", {"50% off"}},
                     MatchCase{"spaced", &Pattern::percentOff, "20 % OFF today", {"20 % OFF"}},
-                    MatchCase{"title", &Pattern::percentOff, "10%Off", {"10%Off"}},
                     MatchCase{"threeDigits", &Pattern::percentOff, "100% off", {"00% off"}},
                     MatchCase{"mixedCase", &Pattern::percentOff, "50% oFF", {}},
                     MatchCase{"noOff", &Pattern::percentOff, "battery 50%", {}}),
@@ -64,12 +60,9 @@ INSTANTIATE_TEST_SUITE_P(
     Airports, PatternMatches,
     testing::Values(
         MatchCase{"arrow", &Pattern::airportPair, "DEL → BOM", {"DEL → BOM"}},
-        MatchCase{"hyphen", &Pattern::airportPair, "BLR-DEL", {"BLR-DEL"}},
         MatchCase{"to", &Pattern::airportPair, "JFK to LHR", {"JFK to LHR"}},
         MatchCase{"plane", &Pattern::airportPair, "DEL ✈ BOM", {"DEL ✈ BOM"}},
-        MatchCase{"planeText", &Pattern::airportPair, "DEL ✈︎ BOM", {"DEL ✈︎ BOM"}},
         MatchCase{"dashes", &Pattern::airportPair, "MAA – CCU, GOI—PNQ", {"MAA – CCU", "GOI—PNQ"}},
-        MatchCase{"asciiArrow", &Pattern::airportPair, "SFO->SEA", {"SFO->SEA"}},
         MatchCase{"lowerCase", &Pattern::airportPair, "del → bom", {}},
         MatchCase{"longWords", &Pattern::airportPair, "DELHI to MUMBAI", {}}),
     [](const auto& info) { return std::string(info.param.name); });
@@ -77,7 +70,6 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     DurationsAndDistances, PatternMatches,
     testing::Values(MatchCase{"hours", &Pattern::duration, "2 HR", {"2 HR"}},
-                    MatchCase{"minutes", &Pattern::duration, "45 min walk", {"45 min"}},
                     MatchCase{"several", &Pattern::duration, "1 hr 20 mins", {"1 hr", "20 mins"}},
                     MatchCase{"glued", &Pattern::duration, "3h", {"3h"}},
                     MatchCase{"tooLong", &Pattern::duration, "1200 min", {}},
@@ -92,9 +84,7 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     ClockLines, PatternMatches,
     testing::Values(
-        MatchCase{"plain", &Pattern::timeStamp, "9:41", {"9:41"}},
         MatchCase{"ticks", &Pattern::timeStamp, "21:05 ✓✓", {"21:05 ✓✓"}},
-        MatchCase{"heavyTicks", &Pattern::timeStamp, "21:05 ✔︎✔︎", {"21:05 ✔︎✔︎"}},
         MatchCase{"dotPm", &Pattern::timeStamp, "10.30 pm", {"10.30 pm"}},
         MatchCase{"amPoints", &Pattern::timeStamp, "7:05 a.m.", {"7:05 a.m."}},
         MatchCase{"endOfChat", &Pattern::timeStamp, "see you 9:41", {" 9:41"}},
@@ -110,7 +100,6 @@ INSTANTIATE_TEST_SUITE_P(
                               "let userName = max_count",
                               {"userName", "max_count"}},
                     MatchCase{"upperStart", &Pattern::identifier, "HelloWorld", {}},
-                    MatchCase{"plainWords", &Pattern::identifier, "hello world", {}},
                     MatchCase{"digits", &Pattern::identifier, "item2Count", {}},
                     MatchCase{
                         "trailingDigits", &Pattern::identifier, "fooBar2 x_1", {"fooBar2", "x_1"}}),
@@ -121,12 +110,7 @@ TEST(Pattern, GroupsTakeGroupOneOfMatchesWhereItTookPart) {
     EXPECT_EQ(p.groups("b a b a"), (Strings{"a", "a"}));
     EXPECT_EQ(p.firstGroup("b b a"), "a");
     EXPECT_EQ(p.firstGroup("b b"), std::nullopt);
-    EXPECT_EQ(p.matches("b a"), (Strings{"b", "a"}));
-}
-
-TEST(Pattern, GroupsOfAPatternWithoutGroupsAreEmpty) {
     EXPECT_TRUE(Pattern::money().groups("₹1,250.00 and $4").empty());
-    EXPECT_EQ(Pattern::money().firstGroup("₹1,250.00"), std::nullopt);
 }
 
 TEST(Pattern, MatchesDoNotOverlapAndKeepWholeCharacters) {
@@ -134,13 +118,6 @@ TEST(Pattern, MatchesDoNotOverlapAndKeepWholeCharacters) {
     // Digits of every script are \d, and the matches come back as whole UTF-8 characters.
     EXPECT_EQ(digits.matches("₹१२३ and ٤٥, 6"), (Strings{"१२३", "٤٥", "6"}));
     EXPECT_EQ(Pattern("aa").matches("aaaaa"), (Strings{"aa", "aa"}));
-    EXPECT_TRUE(digits.matches("").empty());
-}
-
-TEST(Pattern, CaseInsensitiveIsAnOption) {
-    EXPECT_TRUE(Pattern("total", Pattern::Case::insensitive).contains("GRAND TOTAL"));
-    EXPECT_FALSE(Pattern("total").contains("GRAND TOTAL"));
-    EXPECT_TRUE(Pattern("(?i)total").contains("Total"));
 }
 
 TEST(Pattern, OneCompiledPatternServesManyThreadsAtOnce) {

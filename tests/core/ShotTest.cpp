@@ -32,7 +32,6 @@ TEST(ShotTest, KeepsItsSearchText) {
     };
     const std::vector<Case> cases = {
         {"no lines: a line feed and the name", "/p/Screenshot.PNG", {}, "", "\nscreenshot.png"},
-        {"one empty line", "/p/a.png", {""}, "", "\na.png"},
         {"nothing to squash",
          "/p/Note.png",
          {"Hello", "World"},
@@ -74,8 +73,6 @@ TEST(ShotTest, SplitsItsPath) {
     const std::vector<Case> cases = {
         {"/home/u/Pictures/Screenshot 1.png", "Screenshot 1.png", "/home/u/Pictures"},
         {"/a.png", "a.png", "/"},
-        {"a.png", "a.png", ""},
-        {"/home/u/.hidden/x", "x", "/home/u/.hidden"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.path);
@@ -95,10 +92,8 @@ TEST(ShotTest, TakesItsShelfByHandFirst) {
         bool sensitive;
     };
     const std::vector<Case> cases = {
-        {"the guess alone", Shelf::bills, std::nullopt, {}, Shelf::bills, false},
         {"by hand wins", Shelf::bills, Shelf::chats, {}, Shelf::chats, false},
         {"IDs guessed, no flags", Shelf::ids, std::nullopt, {}, Shelf::ids, true},
-        {"IDs guessed, other by hand", Shelf::ids, Shelf::other, {}, Shelf::other, false},
         {"other by hand with a flag",
          Shelf::ids,
          Shelf::other,
@@ -140,12 +135,9 @@ TEST(ShotTest, MatchesTheSameFileWithinASecond) {
     };
     const std::vector<Case> cases = {
         {"same size and date", 500, nanoseconds(0), true},
-        {"0.999 s later", 500, milliseconds(999), true},
-        {"0.999 s earlier", 500, -milliseconds(999), true},
         {"a hair under a second", 500, nanoseconds(999'999'999), true},
         {"1.0 s later", 500, milliseconds(1000), false},
         {"1.0 s earlier", 500, -milliseconds(1000), false},
-        {"far off", 500, std::chrono::hours(24), false},
         {"another size", 501, nanoseconds(0), false},
     };
     const Shot shot("/p/a.png", 500, base, base);
@@ -170,34 +162,16 @@ Shot readShot(const std::string& path, std::vector<std::string> lines) {
 TEST(ShotTest, LibraryMovesAShotWithEverythingItKnows) {
     Library library;
     library.put(readShot("/p/Screenshot 1.png", {"Boarding pass"}));
-    library.move("/p/Screenshot 1.png", "/archive/Tickets/Flight to Delhi.png");
+    library.put(readShot("/p/b.png", {"second"}));
+    library.move("/p/missing.png", "/p/b.png"); // moving nothing changes nothing
+    library.move("/p/Screenshot 1.png", "/p/b.png");
+    library.move("/p/b.png", "/archive/Tickets/Flight to Delhi.png");
 
-    EXPECT_EQ(library.find("/p/Screenshot 1.png"), nullptr);
+    ASSERT_EQ(library.shots.size(), 1u);
     const Shot* moved = library.find("/archive/Tickets/Flight to Delhi.png");
     ASSERT_NE(moved, nullptr);
-    Shot expected = readShot("/archive/Tickets/Flight to Delhi.png", {"Boarding pass"});
-    EXPECT_EQ(*moved, expected);
+    EXPECT_EQ(*moved, readShot("/archive/Tickets/Flight to Delhi.png", {"Boarding pass"}));
     EXPECT_EQ(moved->folded, "boarding pass\nflight to delhi.png");
-    EXPECT_EQ(library.shots.size(), 1u);
-}
-
-TEST(ShotTest, LibraryMoveOntoAShotReplacesIt) {
-    Library library;
-    library.put(readShot("/p/a.png", {"first"}));
-    library.put(readShot("/p/b.png", {"second"}));
-    library.move("/p/a.png", "/p/b.png");
-    ASSERT_EQ(library.shots.size(), 1u);
-    EXPECT_EQ(library.find("/p/b.png")->lines, linesOf({"first"}));
-    EXPECT_EQ(library.find("/p/b.png")->path, "/p/b.png");
-}
-
-TEST(ShotTest, LibraryMoveOfNothingChangesNothing) {
-    Library library;
-    library.put(readShot("/p/a.png", {"x"}));
-    const Library before = library;
-    library.move("/p/missing.png", "/p/a.png");
-    ASSERT_EQ(library.shots.size(), 1u);
-    EXPECT_EQ(library.shots.at("/p/a.png"), before.shots.at("/p/a.png"));
 }
 
 TEST(ShotTest, LibraryPrunesWhatIsGone) {
@@ -208,7 +182,6 @@ TEST(ShotTest, LibraryPrunesWhatIsGone) {
         size_t left;
     };
     const std::vector<Case> cases = {
-        {"keep all", {"/p/a.png", "/p/b.png", "/p/c.png"}, 0, 3},
         {"keep one, and a path the library never had", {"/p/b.png", "/p/zzz.png"}, 2, 1},
         {"keep none", {}, 3, 0},
     };
@@ -232,7 +205,6 @@ TEST(ShotTest, LibraryUpdatesACopy) {
     EXPECT_EQ(library.find("/p/a.png")->manual, Shelf::maps);
     EXPECT_EQ(before->manual, Shelf::tickets) << "a shot someone still holds never changes";
     EXPECT_FALSE(library.update("/p/none.png", [](Shot& shot) { shot.manual = Shelf::maps; }));
-    EXPECT_EQ(library.shots.size(), 1u);
 
     EXPECT_TRUE(library.update("/p/a.png", [](Shot& shot) { shot.path = "/p/elsewhere.png"; }));
     EXPECT_EQ(library.find("/p/a.png")->path, "/p/a.png") << "the key and the path agree";
