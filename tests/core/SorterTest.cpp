@@ -161,16 +161,13 @@ TEST(Sorter, PrivateNumbersSpeakForIds) {
         double ids;
     } cases[] = {
         {"id and card",
-         {aadhaar, "4111 1111 1111 1111"},
-         {SensitiveKind::nationalID, SensitiveKind::cardNumber},
+         {aadhaar, "4111 1111 1111 1111"}, {SensitiveKind::nationalID, SensitiveKind::cardNumber},
          11.0},
         {"tax id and passport count once",
-         {"ABCPE1234F", "Passport Z1234567"},
-         {SensitiveKind::taxID, SensitiveKind::passport},
+         {"ABCPE1234F", "Passport Z1234567"}, {SensitiveKind::taxID, SensitiveKind::passport},
          8.0 + 4.0},
         {"bank account adds nothing",
-         {"GB82 WEST 1234 5698 7654 32"},
-         {SensitiveKind::bankAccount},
+         {"GB82 WEST 1234 5698 7654 32"}, {SensitiveKind::bankAccount},
          0.0},
     };
     for (const auto& c : cases) {

@@ -78,8 +78,7 @@ TEST(TerminalPasswordPrompt, readsWhatIsTypedWithoutShowingIt) {
          "tr0ub4dor"},
         {"backspace on nothing", "\x7f\x08tr0ub4dor\n", "tr0ub4dor"},
         {"ctrl+u starts over", "wrong\x15tr0ub4dor\n", "tr0ub4dor"},
-        {"spaces and accents kept", " pâss wörd \n", " pâss wörd "},
-        {"empty", "\n", ""},
+        {"spaces and accents kept", " pâss wörd \n", " pâss wörd "}, {"empty", "\n", ""},
         {"ctrl+c cancels", "tr0ub\x03", std::nullopt},
     };
     for (const Typing& c : cases) {
