@@ -102,8 +102,10 @@ TEST(Facts, DatesInTheirUsualForms) {
     const struct {
         std::string text, date;
     } cases[] = {
-        {"Issued 3rd March 2025 at noon", "3rd March 2025"}, {"Sept 9, 2024", "Sept 9, 2024"},
-        {"due 2024-03-12", "2024-03-12"}, {"on 1.2.24 and 5/6/2025", "1.2.24"},
+        {"Issued 3rd March 2025 at noon", "3rd March 2025"},
+        {"Sept 9, 2024", "Sept 9, 2024"},
+        {"due 2024-03-12", "2024-03-12"},
+        {"on 1.2.24 and 5/6/2025", "1.2.24"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);

@@ -14,12 +14,14 @@ struct Case {
 };
 
 const std::vector<Case> foldCases = {
-    {"empty", "", ""}, {"accents on capitals", "CAFÉ", "cafe"},
+    {"empty", "", ""},
+    {"accents on capitals", "CAFÉ", "cafe"},
     {"a combining accent", "Cafe\u0301", "cafe"},
     {"Vietnamese stacked marks", "Ảnh màn hình", "anh man hinh"},
     {"a stroke is a letter, not an accent", "Đà Nẵng", "đa nang"},
     {"sharp s folds to ss", "Straße STRAẞE", "strasse strasse"},
-    {"full-width letters and digits", "ＡＢＣ１２３", "abc123"}, {"ideographic space", "a\u3000b", "a b"},
+    {"full-width letters and digits", "ＡＢＣ１２３", "abc123"},
+    {"ideographic space", "a\u3000b", "a b"},
     {"half-width katakana", "ｶﾀｶﾅ", "カタカナ"},
     {"half-width voiced mark goes like an accent", "ｶﾞｲﾄﾞ", "カイト"},
     {"Cyrillic capitals", "ПРИВЕТ Мир", "привет мир"},
@@ -63,8 +65,10 @@ TEST(FoldTest, FoldsEachLineOnItsOwn) {
 
 TEST(FoldTest, DropsSeparatorsBetweenDigitsOnly) {
     const std::vector<Case> cases = {
-        {"no digits at all", "a, b and c", "a, b and c"}, {"grouping comma", "1,250", "1250"},
-        {"grouping space", "1 250", "1250"}, {"Indian grouping", "1,25,000", "125000"},
+        {"no digits at all", "a, b and c", "a, b and c"},
+        {"grouping comma", "1,250", "1250"},
+        {"grouping space", "1 250", "1250"},
+        {"Indian grouping", "1,25,000", "125000"},
         {"narrow no-break space", "1\u202F250", "1250"},
         {"digit on one side only", "12, 34x", "12, 34x"},
         {"two separators in a row", "1,,2 3 ,4", "1,,23 ,4"},

@@ -84,8 +84,12 @@ TEST(FoldersTest, ListsTheRightFilesInNameOrder) {
          false,
          {"skip"}},
         {"hidden names and the .hidden list are left out",
-         {{".Screenshot 1.png"}, {".dots/inside.png"}, {"secret.png"}, {"private/x.png"},
-          {"shown.png"}, {"windows.png"}},
+         {{".Screenshot 1.png"},
+          {".dots/inside.png"},
+          {"secret.png"},
+          {"private/x.png"},
+          {"shown.png"},
+          {"windows.png"}},
          {"shown.png"}},
         {"symbolic links to files and folders are never followed",
          {{"real/a.png"}, {"link.png", 3, "real/a.png"}, {"linked folder", 3, "real"}},
@@ -94,13 +98,20 @@ TEST(FoldersTest, ListsTheRightFilesInNameOrder) {
          {{"empty.png", 0}, {"huge.png", 80'000'000}, {"big.png", 79'999'999}},
          {"big.png"}},
         {"extensions in any case; other files and folders are left out",
-         {{"a.PNG"}, {"b.JpEg"}, {"c.txt"}, {"f.TIF"}, {"g"}, {"h.png.txt"}, {"l.HEIF"},
-          {"o.png/"}, {"p.svg"}, {"k.webp"}},
+         {{"a.PNG"},
+          {"b.JpEg"},
+          {"c.txt"},
+          {"f.TIF"},
+          {"g"},
+          {"h.png.txt"},
+          {"l.HEIF"},
+          {"o.png/"},
+          {"p.svg"},
+          {"k.webp"}},
          {"a.PNG", "b.JpEg", "f.TIF", "k.webp", "l.HEIF"},
          0},
         {"screenshots only: by the start of the folded name",
-         {{"SCREENSHOT.png"}, {"IMG_0001.png"}, {"My screenshot.png"},
-          {"sub/Skärmavbild 1.png"}},
+         {{"SCREENSHOT.png"}, {"IMG_0001.png"}, {"My screenshot.png"}, {"sub/Skärmavbild 1.png"}},
          {"SCREENSHOT.png", "sub/Skärmavbild 1.png"},
          2,
          100000,
@@ -189,8 +200,12 @@ std::optional<int> unprivileged(const std::string& reachable, const std::functio
 
 TEST(FoldersTest, CanReadTellsMissingFromUnreadable) {
     TempDir dir;
-    make(dir.str(), {{"open/a.png"}, {"locked/inner/a.png"}, {"no search/a.png"}, {"file.png"},
-                     {"partly/a.png"}, {"partly/locked/b.png"}});
+    make(dir.str(), {{"open/a.png"},
+                     {"locked/inner/a.png"},
+                     {"no search/a.png"},
+                     {"file.png"},
+                     {"partly/a.png"},
+                     {"partly/locked/b.png"}});
     for (const char* locked : {"locked", "partly/locked"})
         fs::permissions(dir.file(locked), fs::perms::none, fs::perm_options::replace);
     fs::permissions(dir.file("no search"), fs::perms::owner_read | fs::perms::others_read,
@@ -200,8 +215,11 @@ TEST(FoldersTest, CanReadTellsMissingFromUnreadable) {
         bool readable;
         size_t files; // what a listing at depth 2 finds
     } cases[] = {
-        {"open", true, 1},       {"missing", true, 0},   {"file.png", false, 0},
-        {"locked", false, 0},    {"locked/inner", false, 0},
+        {"open", true, 1},
+        {"missing", true, 0},
+        {"file.png", false, 0},
+        {"locked", false, 0},
+        {"locked/inner", false, 0},
         {"no search", true, 0}, // names can be read, but nothing about the files
         {"partly", true, 1},    // the unreadable sub-folder gives nothing, the rest stands
     };

@@ -12,7 +12,7 @@ TEST(Keywords, EveryShelfHasItsListOfTheRightLength) {
         Shelf shelf;
         size_t length;
     } cases[] = {
-        {Shelf::ids, 56}, {Shelf::bills, 58}, {Shelf::tickets, 49}, {Shelf::chats, 24},
+        {Shelf::ids, 56},  {Shelf::bills, 58},    {Shelf::tickets, 49}, {Shelf::chats, 24},
         {Shelf::code, 49}, {Shelf::shopping, 50}, {Shelf::maps, 39},
     };
     ASSERT_EQ(Keywords::raw().size(), 8u);
@@ -45,12 +45,17 @@ TEST(WordText, KeepsLettersAndNumbersAndTurnsEveryOtherRunIntoOneSpace) {
     const struct {
         std::string in, out;
     } cases[] = {
-        {"driver's license", " driver s license "}, {"Valid-thru: 12/29", " valid thru 12 29 "},
-        {"CAFÉ — Menu", " cafe menu "}, {"ＡＢＣ１２３", " abc123 "},
-        {"Boarding Pass\nDEL → BOM", " boarding pass del bom "}, {"٤٥ items", " ٤٥ items "},
-        {"😀 ok 👍🏽", " ok "}, {"", " "},
+        {"driver's license", " driver s license "},
+        {"Valid-thru: 12/29", " valid thru 12 29 "},
+        {"CAFÉ — Menu", " cafe menu "},
+        {"ＡＢＣ１２３", " abc123 "},
+        {"Boarding Pass\nDEL → BOM", " boarding pass del bom "},
+        {"٤٥ items", " ٤٥ items "},
+        {"😀 ok 👍🏽", " ok "},
+        {"", " "},
         // Vowel signs and the like stay with their letters.
-        {"भारत सरकार", " भारत सरकार "}, {"आधार/सीमा", " आधार सीमा "},
+        {"भारत सरकार", " भारत सरकार "},
+        {"आधार/सीमा", " आधार सीमा "},
         // A joiner inside a word is part of its character, not a break between words.
         {"क\u200dष", " क\u200dष "},
     };

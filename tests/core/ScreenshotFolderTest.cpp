@@ -26,15 +26,21 @@ TEST(ScreenshotFolderTest, ResolvesStoredLocations) {
         std::optional<std::string> raw;
         std::string expected;
     } cases[] = {
-        {std::nullopt, fallback}, {" \t\r\n ", fallback}, {"  ~/Shots/ \n", "/Users/a/Shots"},
+        {std::nullopt, fallback},
+        {" \t\r\n ", fallback},
+        {"  ~/Shots/ \n", "/Users/a/Shots"},
         {"file://localhost/Users/a/Shots/", "/Users/a/Shots"},
         {"file:///Users/a/Shots?view=list#top", "/Users/a/Shots"},
         {"file:///srv/My%20Shots", "/srv/My Shots"},
         {"file:///srv/Bilder/%C3%9Cn%C3%AF", "/srv/Bilder/Ünï"},
         {"file:///srv/My%2", fallback},       // a broken escape: the URL does not parse
         {"file:///srv/My%00Shots", fallback}, // nor does an escaped NUL
-        {"./Shots", fallback}, {"~user/Shots", fallback}, {"///", "/"}, {"~", "/Users/a"},
-        {"/Users/a/Shots//", "/Users/a/Shots"}, {"~/Missing/", fallback},
+        {"./Shots", fallback},
+        {"~user/Shots", fallback},
+        {"///", "/"},
+        {"~", "/Users/a"},
+        {"/Users/a/Shots//", "/Users/a/Shots"},
+        {"~/Missing/", fallback},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.raw.value_or("(none)"));
@@ -60,9 +66,11 @@ TEST(ScreenshotFolderTest, DisplayNamesAreRelativeToHome) {
         std::string path, home, expected;
     } cases[] = {
         {"/Users/a/Desktop/Shots", "/Users/a", "Desktop \u203A Shots"},
-        {"/Users/a/", "/Users/a", "Home"}, {"/Users/a/Desktop", "/Users/a/", "Desktop"},
+        {"/Users/a/", "/Users/a", "Home"},
+        {"/Users/a/Desktop", "/Users/a/", "Desktop"},
         {"/Users/a/Desktop/../Pictures/./Shots", "/Users/a", "Pictures \u203A Shots"},
-        {"/Users/ab/Shots", "/Users/a", "/Users/ab/Shots"}, {"/Users", "/Users/a", "/Users"},
+        {"/Users/ab/Shots", "/Users/a", "/Users/ab/Shots"},
+        {"/Users", "/Users/a", "/Users"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.path + " under " + c.home);
@@ -76,9 +84,12 @@ TEST(ScreenshotFolderTest, SharedFoldersAreHomeDesktopAndPictures) {
         std::string folder;
         bool shared;
     } cases[] = {
-        {"/home/u/", true},          {"/home/u/Schreibtisch", true},
-        {"/home/u/Bilder/", true},   {"/home/u/Bilder/../Schreibtisch", true},
-        {"/home/u/Bilder/Screenshots", false}, {"/home/u/Pictures", false},
+        {"/home/u/", true},
+        {"/home/u/Schreibtisch", true},
+        {"/home/u/Bilder/", true},
+        {"/home/u/Bilder/../Schreibtisch", true},
+        {"/home/u/Bilder/Screenshots", false},
+        {"/home/u/Pictures", false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.folder);
@@ -92,20 +103,26 @@ TEST(ScreenshotNameTest, OnlyTheStartOfTheFoldedNameCounts) {
         std::string name;
         bool screenshot;
     } cases[] = {
-        {"SCREENSHOT.png", true}, {"Screen Shot 2019-05-06 at 1.02.03 PM.png", true},
+        {"SCREENSHOT.png", true},
+        {"Screen Shot 2019-05-06 at 1.02.03 PM.png", true},
         {"Bildschirmfoto 2024-01-02 um 10.11.12.png", true},
-        {"Capture d\u2019écran 2024-01-02.png", true}, {"Capture d'écran 2024-01-02.png", true},
+        {"Capture d\u2019écran 2024-01-02.png", true},
+        {"Capture d'écran 2024-01-02.png", true},
         {"Снимок экрана 2024-01-02.png", true},
         {"Στιγμιότυπο οθόνης 2024-01-02.png", true}, // final sigma
-        {"स्क्रीनशॉट 2024-01-02.png", true},              // viramas go, vowel signs stay
-        {"ภาพหน้าจอ 2567-01-02.png", true}, {"ảnh màn hình.png", true},
+        {"स्क्रीनशॉट 2024-01-02.png", true},           // viramas go, vowel signs stay
+        {"ภาพหน้าจอ 2567-01-02.png", true},
+        {"ảnh màn hình.png", true},
         {"ｽｸﾘｰﾝｼｮｯﾄ 2024.png", true},       // half-width katakana
         {"ＳＣＲＥＥＮＳＨＯＴ.png", true}, // full-width letters
         {"截屏2024-01-02.png", true},
         // Korean as some file systems store it, in separate jamo.
         {"\u1109\u1173\u110F\u1173\u1105\u1175\u11AB\u1109\u1163\u11BA 2024.png", true},
-        {"My screenshot.png", false}, {"Screen_shot.png", false}, {"screensho.png", false},
-        {" Screenshot.png", false}, {"", false},
+        {"My screenshot.png", false},
+        {"Screen_shot.png", false},
+        {"screensho.png", false},
+        {" Screenshot.png", false},
+        {"", false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -118,7 +135,8 @@ TEST(UserDirsTest, ParsesAndLoadsTheUserDirsFile) {
         std::string text, pictures;
     } cases[] = {
         {"", "/home/u/Pictures"},
-        {"# by xdg-user-dirs-update\nXDG_DOWNLOAD_DIR=\"$HOME/Dl\"\nXDG_PICTURES_DIR=\"$HOME/Bilder\"",
+        {"# by "
+         "xdg-user-dirs-update\nXDG_DOWNLOAD_DIR=\"$HOME/Dl\"\nXDG_PICTURES_DIR=\"$HOME/Bilder\"",
          "/home/u/Bilder"},
         {"XDG_PICTURES_DIR=\"/data/pics/\"", "/data/pics"},
         {"XDG_PICTURES_DIR=\"$HOME/My \\\"Pics\\\" \\\\ x\"", "/home/u/My \"Pics\" \\ x"},

@@ -21,25 +21,45 @@ TEST(Sorter, PicksTheShelfAndItsConfidence) {
         double score, confidence;
     } cases[] = {
         // " boarding pass " 6 + " boarding " 3 + " gate " 2 + " seat " 2 + 4.0 for the pair.
-        {"boarding pass", {"Boarding Pass", "DEL → BOM", "Gate 22", "Seat 14C"}, Shelf::tickets,
-         Shelf::tickets, 17, 1.0},
+        {"boarding pass",
+         {"Boarding Pass", "DEL → BOM", "Gate 22", "Seat 14C"},
+         Shelf::tickets,
+         Shelf::tickets,
+         17,
+         1.0},
         // irctc 5 + itinerary 4 + bookmyshow 5, nothing else.
-        {"fourteen alone", {"IRCTC itinerary", "BookMyShow"}, Shelf::tickets, Shelf::tickets, 14,
+        {"fourteen alone",
+         {"IRCTC itinerary", "BookMyShow"},
+         Shelf::tickets,
+         Shelf::tickets,
+         14,
          1.0},
         // itinerary 4 + reservation 3 against invoice 4 + cashier 3; bills wins the tie.
-        {"seven against seven", {"itinerary reservation", "invoice cashier"}, Shelf::bills,
-         Shelf::bills, 7, 0.175},
+        {"seven against seven",
+         {"itinerary reservation", "invoice cashier"},
+         Shelf::bills,
+         Shelf::bills,
+         7,
+         0.175},
         {"four against four", {"itinerary invoice hello"}, Shelf::bills, Shelf::bills, 4, 0.1},
         // seen 1.5 + online 1.5 + today 1: exactly the threshold passes.
-        {"exactly four", {"seen online today"}, Shelf::chats, Shelf::chats, 4,
+        {"exactly four",
+         {"seen online today"},
+         Shelf::chats,
+         Shelf::chats,
+         4,
          0.35 * 4 / 14 + 0.15 + 0.65 * 4 / 14},
         // func 3 + three identifiers at 0.3 each; the scores are kept even so.
         {"top of 3.9", {"func userName maxCount isOpen"}, Shelf::other, Shelf::code, 3.9, 0},
         // irctc 5 + bookmyshow 5, but only two words.
         {"two words", {"IRCTC", "BookMyShow"}, Shelf::other, Shelf::tickets, 10, 0},
         // Ties go to the shelf whose name sorts first: wishlist 4 + mrp 3 tie with bills.
-        {"bills before shopping", {"invoice cashier wishlist mrp"}, Shelf::bills, Shelf::shopping,
-         7, -1},
+        {"bills before shopping",
+         {"invoice cashier wishlist mrp"},
+         Shelf::bills,
+         Shelf::shopping,
+         7,
+         -1},
         // traceback 4 + void 3 against directions 4 + route 3.
         {"code before maps", {"directions route traceback void"}, Shelf::code, Shelf::maps, 7, -1},
     };
@@ -68,14 +88,20 @@ TEST(Sorter, ScoresKeywordsLayoutAndBarcodes) {
         {"to weighs nothing", {"to to to"}, {}, Shelf::bills, 0},
         {"across lines", {"Tax", "Invoice"}, {}, Shelf::bills, 4 + 4 + 1},
         {"accents and width", {"ＲＥＣＥＩＰＴ", "Café Total"}, {}, Shelf::bills, 4 + 2},
-        {"chat layout", {"hey", "9:41", "you there?", "10:02", "yes", "10:03"}, {}, Shelf::chats,
+        {"chat layout",
+         {"hey", "9:41", "you there?", "10:02", "yes", "10:03"},
+         {},
+         Shelf::chats,
          4.5 + 2.0 + 0.5},
         // Five amounts: bills gains 6.0 (7.5 capped), shopping 1.0 for having any.
         {"amounts for bills", {"₹1.00 ₹2.00 ₹3.00 ₹4.00 ₹5.00"}, {}, Shelf::bills, 6},
         {"amounts for shopping", {"₹1.00 ₹2.00 ₹3.00 ₹4.00 ₹5.00"}, {}, Shelf::shopping, 1},
         {"percent off", {"Flat 50% off"}, {}, Shelf::shopping, 3.0 + 1.0},
-        {"durations and distances", {"5 min 6 min 7 min 8 min", "1 km 2 km 3 km 4 km"}, {},
-         Shelf::maps, 6},
+        {"durations and distances",
+         {"5 min 6 min 7 min 8 min", "1 km 2 km 3 km 4 km"},
+         {},
+         Shelf::maps,
+         6},
         {"pdf417 and qr", words, {"PDF417", "QR"}, Shelf::tickets, 6},
         {"aztec twice", words, {"Aztec", "Aztec"}, Shelf::tickets, 6},
         {"qr for tickets", words, {"QR"}, Shelf::tickets, 1.5},
@@ -100,13 +126,16 @@ TEST(Sorter, PrivateNumbersSpeakForIds) {
         double ids;
     } cases[] = {
         {"id and card",
-         {aadhaar, "4111 1111 1111 1111"}, {SensitiveKind::nationalID, SensitiveKind::cardNumber},
+         {aadhaar, "4111 1111 1111 1111"},
+         {SensitiveKind::nationalID, SensitiveKind::cardNumber},
          11.0},
         {"tax id and passport count once",
-         {"ABCPE1234F", "Passport Z1234567"}, {SensitiveKind::taxID, SensitiveKind::passport},
+         {"ABCPE1234F", "Passport Z1234567"},
+         {SensitiveKind::taxID, SensitiveKind::passport},
          8.0 + 4.0},
         {"bank account adds nothing",
-         {"GB82 WEST 1234 5698 7654 32"}, {SensitiveKind::bankAccount},
+         {"GB82 WEST 1234 5698 7654 32"},
+         {SensitiveKind::bankAccount},
          0.0},
     };
     for (const auto& c : cases) {

@@ -19,9 +19,12 @@ TEST(TextSearchTest, FindsAtTheEdges) {
         size_t expected;
     };
     const std::vector<Case> cases = {
-        {"empty needle", "abc", "", 1, 1}, {"empty needle at the end", "abc", "", 3, 3},
-        {"empty needle past the end", "abc", "", 4, none}, {"empty text", "", "a", 0, none},
-        {"needle longer than text", "ab", "abc", 0, none}, {"whole text", "abc", "abc", 0, 0},
+        {"empty needle", "abc", "", 1, 1},
+        {"empty needle at the end", "abc", "", 3, 3},
+        {"empty needle past the end", "abc", "", 4, none},
+        {"empty text", "", "a", 0, none},
+        {"needle longer than text", "ab", "abc", 0, none},
+        {"whole text", "abc", "abc", 0, 0},
         {"single byte", "xxxxxxxxxxxxxxxxxxxxa", "a", 0, 20},
         {"two bytes at the very end", long40 + "gz", "gz", 0, 40},
         {"last start before a full block", long40, "do", 0, 38},

@@ -40,7 +40,7 @@ std::string userName() {
 // PAM services for pam_wrapper, each checking passwords with pam_matrix against the file that
 // PAM_MATRIX_PASSWD names when PAM runs.
 class PamServices {
-public:
+  public:
     explicit PamServices(std::initializer_list<std::string> names) {
         for (const std::string& name : names)
             test::writeFile(dir_.file("services/" + name), "auth required " + pamMatrixModule() +
@@ -54,7 +54,7 @@ public:
                 {"PAM_WRAPPER_SERVICE_DIR", dir_.file("services")}};
     }
 
-private:
+  private:
     test::TempDir dir_;
 };
 

@@ -71,8 +71,7 @@ TEST(KeychainKey, firstCallMakesOneItemThatLaterCallsAndOtherClientsFind) {
 
 TEST(KeychainKey, storedDataOfAnotherSizeIsRefusedAndKept) {
     if (!test::runsInChild(inKeyring())) return;
-    for (const std::string& stored :
-         {std::string("0123456789abcdef"), std::string(33, 'k')}) {
+    for (const std::string& stored : {std::string("0123456789abcdef"), std::string(33, 'k')}) {
         SCOPED_TRACE(std::to_string(stored.size()) + " bytes");
         ASSERT_EQ(system(("printf %s '" + stored +
                           "' | secret-tool store --label=Old service app.orvane.lumivale.vault "

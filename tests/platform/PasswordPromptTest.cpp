@@ -20,7 +20,7 @@ const std::string promptText = "Password to lock screenshots away: ";
 // A pseudo-terminal: the test types into and reads from its master side, the prompt opens the
 // terminal device.
 class Terminal {
-public:
+  public:
     Terminal() {
         master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
         if (master_ >= 0 && grantpt(master_) == 0 && unlockpt(master_) == 0)
@@ -57,7 +57,7 @@ public:
         return tcgetattr(slave_, &t) == 0 && (t.c_lflag & ECHO);
     }
 
-private:
+  private:
     int master_ = -1;
     int slave_ = -1;
     std::string device_;
@@ -78,7 +78,8 @@ TEST(TerminalPasswordPrompt, readsWhatIsTypedWithoutShowingIt) {
          "tr0ub4dor"},
         {"backspace on nothing", "\x7f\x08tr0ub4dor\n", "tr0ub4dor"},
         {"ctrl+u starts over", "wrong\x15tr0ub4dor\n", "tr0ub4dor"},
-        {"spaces and accents kept", " pâss wörd \n", " pâss wörd "}, {"empty", "\n", ""},
+        {"spaces and accents kept", " pâss wörd \n", " pâss wörd "},
+        {"empty", "\n", ""},
         {"ctrl+c cancels", "tr0ub\x03", std::nullopt},
     };
     for (const Typing& c : cases) {
