@@ -70,7 +70,6 @@ TEST(Characters, TrimmingAndLowering) {
     EXPECT_EQ(lowered("ÉTAGE"), "étage");
 }
 
-
 TEST(Characters, StrayBytesAreCharactersOfTheirOwn) {
     for (std::string broken : {"a\xff"
                                "b",

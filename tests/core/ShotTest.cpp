@@ -32,13 +32,7 @@ TEST(ShotTest, KeepsItsSearchText) {
     };
     const std::vector<Case> cases = {
         {"no lines: a line feed and the name", "/p/Screenshot.PNG", {}, "", "\nscreenshot.png"},
-        {"one empty line", "/p/a.png", {""}, "", "\na.png"},
-        {"nothing to squash",
-         "/p/Note.png",
-         {"Hello", "World"},
-         "Hello\nWorld",
-         "hello\nworld\nnote.png"},
-        {"folded", "/p/x.png", {"CAFÉ ＡＢＣ"}, "CAFÉ ＡＢＣ", "cafe abc\nx.png"},
+        {"folded", "/p/x.png", {"CAFÉ ＡＢＣ", "B"}, "CAFÉ ＡＢＣ\nB", "cafe abc\nb\nx.png"},
         {"a grouped number adds the squashed copy",
          "/p/r.png",
          {"Total 1,250.00"},
@@ -67,24 +61,6 @@ TEST(ShotTest, KeepsItsSearchText) {
     }
 }
 
-TEST(ShotTest, SplitsItsPath) {
-    struct Case {
-        std::string path, name, folder;
-    };
-    const std::vector<Case> cases = {
-        {"/home/u/Pictures/Screenshot 1.png", "Screenshot 1.png", "/home/u/Pictures"},
-        {"/a.png", "a.png", "/"},
-        {"a.png", "a.png", ""},
-        {"/home/u/.hidden/x", "x", "/home/u/.hidden"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.path);
-        const Shot shot(c.path, 1, base, base);
-        EXPECT_EQ(shot.name(), c.name);
-        EXPECT_EQ(shot.folder(), c.folder);
-    }
-}
-
 TEST(ShotTest, TakesItsShelfByHandFirst) {
     struct Case {
         const char* what;
@@ -95,10 +71,8 @@ TEST(ShotTest, TakesItsShelfByHandFirst) {
         bool sensitive;
     };
     const std::vector<Case> cases = {
-        {"the guess alone", Shelf::bills, std::nullopt, {}, Shelf::bills, false},
         {"by hand wins", Shelf::bills, Shelf::chats, {}, Shelf::chats, false},
         {"IDs guessed, no flags", Shelf::ids, std::nullopt, {}, Shelf::ids, true},
-        {"IDs guessed, other by hand", Shelf::ids, Shelf::other, {}, Shelf::other, false},
         {"other by hand with a flag",
          Shelf::ids,
          Shelf::other,
@@ -124,13 +98,6 @@ TEST(ShotTest, TakesItsShelfByHandFirst) {
     }
 }
 
-TEST(ShotTest, IsTakenAtTheEarlierDate) {
-    const Date later = base + milliseconds(1);
-    EXPECT_EQ(Shot("/a", 1, base, later).date(), base);
-    EXPECT_EQ(Shot("/a", 1, later, base).date(), base);
-    EXPECT_EQ(Shot("/a", 1, later, later).date(), later);
-}
-
 TEST(ShotTest, MatchesTheSameFileWithinASecond) {
     struct Case {
         const char* what;
@@ -140,12 +107,9 @@ TEST(ShotTest, MatchesTheSameFileWithinASecond) {
     };
     const std::vector<Case> cases = {
         {"same size and date", 500, nanoseconds(0), true},
-        {"0.999 s later", 500, milliseconds(999), true},
-        {"0.999 s earlier", 500, -milliseconds(999), true},
         {"a hair under a second", 500, nanoseconds(999'999'999), true},
         {"1.0 s later", 500, milliseconds(1000), false},
         {"1.0 s earlier", 500, -milliseconds(1000), false},
-        {"far off", 500, std::chrono::hours(24), false},
         {"another size", 501, nanoseconds(0), false},
     };
     const Shot shot("/p/a.png", 500, base, base);
@@ -170,58 +134,16 @@ Shot readShot(const std::string& path, std::vector<std::string> lines) {
 TEST(ShotTest, LibraryMovesAShotWithEverythingItKnows) {
     Library library;
     library.put(readShot("/p/Screenshot 1.png", {"Boarding pass"}));
-    library.move("/p/Screenshot 1.png", "/archive/Tickets/Flight to Delhi.png");
+    library.put(readShot("/p/b.png", {"second"}));
+    library.move("/p/missing.png", "/p/b.png"); // moving nothing changes nothing
+    library.move("/p/Screenshot 1.png", "/p/b.png");
+    library.move("/p/b.png", "/archive/Tickets/Flight to Delhi.png");
 
-    EXPECT_EQ(library.find("/p/Screenshot 1.png"), nullptr);
+    ASSERT_EQ(library.shots.size(), 1u);
     const Shot* moved = library.find("/archive/Tickets/Flight to Delhi.png");
     ASSERT_NE(moved, nullptr);
-    Shot expected = readShot("/archive/Tickets/Flight to Delhi.png", {"Boarding pass"});
-    EXPECT_EQ(*moved, expected);
+    EXPECT_EQ(*moved, readShot("/archive/Tickets/Flight to Delhi.png", {"Boarding pass"}));
     EXPECT_EQ(moved->folded, "boarding pass\nflight to delhi.png");
-    EXPECT_EQ(library.shots.size(), 1u);
-}
-
-TEST(ShotTest, LibraryMoveOntoAShotReplacesIt) {
-    Library library;
-    library.put(readShot("/p/a.png", {"first"}));
-    library.put(readShot("/p/b.png", {"second"}));
-    library.move("/p/a.png", "/p/b.png");
-    ASSERT_EQ(library.shots.size(), 1u);
-    EXPECT_EQ(library.find("/p/b.png")->lines, linesOf({"first"}));
-    EXPECT_EQ(library.find("/p/b.png")->path, "/p/b.png");
-}
-
-TEST(ShotTest, LibraryMoveOfNothingChangesNothing) {
-    Library library;
-    library.put(readShot("/p/a.png", {"x"}));
-    const Library before = library;
-    library.move("/p/missing.png", "/p/a.png");
-    ASSERT_EQ(library.shots.size(), 1u);
-    EXPECT_EQ(library.shots.at("/p/a.png"), before.shots.at("/p/a.png"));
-}
-
-TEST(ShotTest, LibraryPrunesWhatIsGone) {
-    struct Case {
-        const char* what;
-        std::unordered_set<std::string> keeping;
-        int64_t removed;
-        size_t left;
-    };
-    const std::vector<Case> cases = {
-        {"keep all", {"/p/a.png", "/p/b.png", "/p/c.png"}, 0, 3},
-        {"keep one, and a path the library never had", {"/p/b.png", "/p/zzz.png"}, 2, 1},
-        {"keep none", {}, 3, 0},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        Library library;
-        for (const char* path : {"/p/a.png", "/p/b.png", "/p/c.png"})
-            library.put(readShot(path, {}));
-        EXPECT_EQ(library.prune(c.keeping), c.removed);
-        EXPECT_EQ(library.shots.size(), c.left);
-        for (const auto& [path, shot] : library.shots)
-            EXPECT_TRUE(c.keeping.count(path)) << path;
-    }
 }
 
 TEST(ShotTest, LibraryUpdatesACopy) {
@@ -232,8 +154,14 @@ TEST(ShotTest, LibraryUpdatesACopy) {
     EXPECT_EQ(library.find("/p/a.png")->manual, Shelf::maps);
     EXPECT_EQ(before->manual, Shelf::tickets) << "a shot someone still holds never changes";
     EXPECT_FALSE(library.update("/p/none.png", [](Shot& shot) { shot.manual = Shelf::maps; }));
-    EXPECT_EQ(library.shots.size(), 1u);
 
+    EXPECT_EQ(library.prune({"/p/zzz.png"}), 1);
+    EXPECT_TRUE(library.shots.empty());
+}
+
+TEST(ShotTest, LibraryUpdateKeepsTheKeyAndThePathAgreeing) {
+    Library library;
+    library.put(readShot("/p/a.png", {"x"}));
     EXPECT_TRUE(library.update("/p/a.png", [](Shot& shot) { shot.path = "/p/elsewhere.png"; }));
     EXPECT_EQ(library.find("/p/a.png")->path, "/p/a.png") << "the key and the path agree";
     EXPECT_EQ(library.find("/p/elsewhere.png"), nullptr);

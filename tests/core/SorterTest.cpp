@@ -12,157 +12,109 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-TEST(Sorter, BoardingPassScoresItsKeywordsAndAirportPair) {
-    const Verdict v = Sorter::sort({"Boarding Pass", "DEL → BOM", "Gate 22", "Seat 14C"}, {});
-    // " boarding pass " 6 + " boarding " 3 + " gate " 2 + " seat " 2 + 4.0 for the pair.
-    EXPECT_DOUBLE_EQ(v.scores.at(Shelf::tickets), 17.0);
-    EXPECT_EQ(v.category, Shelf::tickets);
-    EXPECT_DOUBLE_EQ(v.confidence, 1.0);
-    EXPECT_TRUE(v.flags.empty());
-}
-
-TEST(Sorter, EveryShelfHasAScore) {
-    for (const Lines& lines : {Lines{}, Lines{"hello there friend"}}) {
-        const Verdict v = Sorter::sort(lines, {});
-        ASSERT_EQ(v.scores.size(), allShelves.size());
-        for (Shelf s : allShelves)
-            EXPECT_TRUE(v.scores.contains(s));
-        EXPECT_EQ(v.scores.at(Shelf::other), 0.0);
-    }
-}
-
-TEST(Sorter, ConfidenceFromTheTopScoreAndItsLead) {
+// Worked examples: the comments add up the scores; a confidence below zero is not checked.
+TEST(Sorter, PicksTheShelfAndItsConfidence) {
     const struct {
         const char* name;
         Lines lines;
-        Shelf category;
-        double top;
-        double confidence;
+        Shelf category, scored;
+        double score, confidence;
     } cases[] = {
+        // " boarding pass " 6 + " boarding " 3 + " gate " 2 + " seat " 2 + 4.0 for the pair.
+        {"boarding pass",
+         {"Boarding Pass", "DEL → BOM", "Gate 22", "Seat 14C"},
+         Shelf::tickets,
+         Shelf::tickets,
+         17,
+         1.0},
         // irctc 5 + itinerary 4 + bookmyshow 5, nothing else.
-        {"fourteen alone", {"IRCTC itinerary", "BookMyShow"}, Shelf::tickets, 14, 1.0},
+        {"fourteen alone",
+         {"IRCTC itinerary", "BookMyShow"},
+         Shelf::tickets,
+         Shelf::tickets,
+         14,
+         1.0},
         // itinerary 4 + reservation 3 against invoice 4 + cashier 3; bills wins the tie.
         {"seven against seven",
          {"itinerary reservation", "invoice cashier"},
          Shelf::bills,
+         Shelf::bills,
          7,
          0.175},
-        {"four against four", {"itinerary invoice hello"}, Shelf::bills, 4, 0.1},
+        {"four against four", {"itinerary invoice hello"}, Shelf::bills, Shelf::bills, 4, 0.1},
         // seen 1.5 + online 1.5 + today 1: exactly the threshold passes.
         {"exactly four",
          {"seen online today"},
          Shelf::chats,
+         Shelf::chats,
          4,
          0.35 * 4 / 14 + 0.15 + 0.65 * 4 / 14},
+        // func 3 + three identifiers at 0.3 each; the scores are kept even so.
+        {"top of 3.9", {"func userName maxCount isOpen"}, Shelf::other, Shelf::code, 3.9, 0},
+        // irctc 5 + bookmyshow 5, but only two words.
+        {"two words", {"IRCTC", "BookMyShow"}, Shelf::other, Shelf::tickets, 10, 0},
+        // Ties go to the shelf whose name sorts first: wishlist 4 + mrp 3 tie with bills.
+        {"bills before shopping",
+         {"invoice cashier wishlist mrp"},
+         Shelf::bills,
+         Shelf::shopping,
+         7,
+         -1},
+        // traceback 4 + void 3 against directions 4 + route 3.
+        {"code before maps", {"directions route traceback void"}, Shelf::code, Shelf::maps, 7, -1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         const Verdict v = Sorter::sort(c.lines, {});
         EXPECT_EQ(v.category, c.category);
-        EXPECT_DOUBLE_EQ(v.scores.at(c.category), c.top);
-        EXPECT_NEAR(v.confidence, c.confidence, 1e-12);
+        EXPECT_NEAR(v.scores.at(c.scored), c.score, 1e-9);
+        if (c.confidence >= 0) EXPECT_NEAR(v.confidence, c.confidence, 1e-12);
+        if (c.category != Shelf::other) EXPECT_NEAR(v.scores.at(c.category), c.score, 1e-9);
     }
 }
 
-TEST(Sorter, WeakOrTinyReadingsFallBackToOther) {
-    const struct {
-        const char* name;
-        Lines lines;
-        Shelf strongest;
-        double score;
-    } cases[] = {
-        // func 3 + three identifiers at 0.3 each.
-        {"top of 3.9", {"func userName maxCount isOpen"}, Shelf::code, 3.9},
-        // irctc 5 + bookmyshow 5, but only two words.
-        {"two words", {"IRCTC", "BookMyShow"}, Shelf::tickets, 10.0},
-        {"nothing", {}, Shelf::ids, 0.0},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        const Verdict v = Sorter::sort(c.lines, {});
-        EXPECT_EQ(v.category, Shelf::other);
-        EXPECT_EQ(v.confidence, 0.0);
-        // The scores are kept even so.
-        EXPECT_NEAR(v.scores.at(c.strongest), c.score, 1e-9);
-    }
-}
-
-TEST(Sorter, TiesGoToTheShelfWhoseNameSortsFirst) {
-    const struct {
-        const char* name;
-        Lines lines;
-        Shelf winner, loser;
-    } cases[] = {
-        // invoice 4 + cashier 3 against wishlist 4 + mrp 3.
-        {"bills before shopping", {"invoice cashier wishlist mrp"}, Shelf::bills, Shelf::shopping},
-        // directions 4 + route 3 against traceback 4 + void 3.
-        {"code before maps", {"directions route traceback void"}, Shelf::code, Shelf::maps},
-        {"chats before tickets", {"whatsapp itinerary hello"}, Shelf::chats, Shelf::tickets},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        const Verdict v = Sorter::sort(c.lines, {});
-        EXPECT_EQ(v.scores.at(c.winner), v.scores.at(c.loser));
-        EXPECT_EQ(v.category, c.winner);
-    }
-}
-
-TEST(Sorter, KeywordsCountOnceAndOnlyAsWholeWords) {
-    const struct {
-        const char* name;
-        Lines lines;
-        Shelf shelf;
-        double score;
-    } cases[] = {
-        {"eta inside beta", {"Beta version directions"}, Shelf::maps, 4},
-        {"eta on its own", {"ETA 5:10 directions"}, Shelf::maps, 6},
-        {"repeated keyword", {"invoice invoice", "INVOICE"}, Shelf::bills, 4},
-        {"to weighs nothing", {"to to to"}, Shelf::bills, 0},
-        {"across lines", {"Tax", "Invoice"}, Shelf::bills, 4 + 4 + 1},
-        {"accents and width", {"ＲＥＣＥＩＰＴ", "Café Total"}, Shelf::bills, 4 + 2},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_DOUBLE_EQ(Sorter::sort(c.lines, {}).scores.at(c.shelf), c.score);
-    }
-}
-
-TEST(Sorter, LayoutAddsToTheScores) {
-    const Lines chat = {"hey", "9:41", "you there?", "10:02", "yes", "10:03"};
-    EXPECT_DOUBLE_EQ(Sorter::sort(chat, {}).scores.at(Shelf::chats), 4.5 + 2.0 + 0.5);
-
-    // Five amounts: bills gains 6.0 (7.5 capped), shopping 1.0 for having any.
-    const Verdict money = Sorter::sort({"₹1.00 ₹2.00 ₹3.00 ₹4.00 ₹5.00"}, {});
-    EXPECT_DOUBLE_EQ(money.scores.at(Shelf::bills), 6.0);
-    EXPECT_DOUBLE_EQ(money.scores.at(Shelf::shopping), 1.0);
-
-    EXPECT_DOUBLE_EQ(Sorter::sort({"Flat 50% off"}, {}).scores.at(Shelf::shopping), 3.0 + 1.0);
-
-    // Four durations count 3; four distances count 3.
-    const Verdict trip = Sorter::sort({"5 min 6 min 7 min 8 min", "1 km 2 km 3 km 4 km"}, {});
-    EXPECT_DOUBLE_EQ(trip.scores.at(Shelf::maps), 6.0);
-}
-
-TEST(Sorter, BarcodesSpeakForTickets) {
+TEST(Sorter, ScoresKeywordsLayoutAndBarcodes) {
     const Lines words = {"nothing much here"};
     const struct {
         const char* name;
+        Lines lines;
         std::vector<std::string> barcodes;
-        double tickets, bills;
+        Shelf shelf;
+        double score;
     } cases[] = {
-        {"none", {}, 0, 0},
-        {"pdf417 and qr", {"PDF417", "QR"}, 6.0, 0},
-        {"aztec twice", {"Aztec", "Aztec"}, 6.0, 0},
-        {"qr and aztec", {"QR", "Aztec"}, 6.0, 0},
-        {"qr", {"QR"}, 1.5, 0.5},
-        {"others", {"Barcode", "DataMatrix"}, 0, 0},
+        {"eta inside beta", {"Beta version directions"}, {}, Shelf::maps, 4},
+        {"eta on its own", {"ETA 5:10 directions"}, {}, Shelf::maps, 6},
+        {"a keyword counts once", {"invoice invoice", "INVOICE"}, {}, Shelf::bills, 4},
+        {"to weighs nothing", {"to to to"}, {}, Shelf::bills, 0},
+        {"across lines", {"Tax", "Invoice"}, {}, Shelf::bills, 4 + 4 + 1},
+        {"accents and width", {"ＲＥＣＥＩＰＴ", "Café Total"}, {}, Shelf::bills, 4 + 2},
+        {"chat layout",
+         {"hey", "9:41", "you there?", "10:02", "yes", "10:03"},
+         {},
+         Shelf::chats,
+         4.5 + 2.0 + 0.5},
+        // Five amounts: bills gains 6.0 (7.5 capped), shopping 1.0 for having any.
+        {"amounts for bills", {"₹1.00 ₹2.00 ₹3.00 ₹4.00 ₹5.00"}, {}, Shelf::bills, 6},
+        {"amounts for shopping", {"₹1.00 ₹2.00 ₹3.00 ₹4.00 ₹5.00"}, {}, Shelf::shopping, 1},
+        {"percent off", {"Flat 50% off"}, {}, Shelf::shopping, 3.0 + 1.0},
+        {"durations and distances",
+         {"5 min 6 min 7 min 8 min", "1 km 2 km 3 km 4 km"},
+         {},
+         Shelf::maps,
+         6},
+        {"pdf417 and qr", words, {"PDF417", "QR"}, Shelf::tickets, 6},
+        {"aztec twice", words, {"Aztec", "Aztec"}, Shelf::tickets, 6},
+        {"qr for tickets", words, {"QR"}, Shelf::tickets, 1.5},
+        {"qr for bills", words, {"QR"}, Shelf::bills, 0.5},
+        {"other barcodes", words, {"Barcode", "DataMatrix"}, Shelf::tickets, 0},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        const Verdict v = Sorter::sort(words, c.barcodes);
-        EXPECT_DOUBLE_EQ(v.scores.at(Shelf::tickets), c.tickets);
-        EXPECT_DOUBLE_EQ(v.scores.at(Shelf::bills), c.bills);
+        EXPECT_DOUBLE_EQ(Sorter::sort(c.lines, c.barcodes).scores.at(c.shelf), c.score);
     }
+    // Stray bytes that are not UTF-8 do no harm: "gate" and "seat" still count.
+    const Lines broken = {"Boarding\xff Pass", "\xe0\xa4", "Gate \xc3 22", "Seat 14C\x80"};
+    EXPECT_GE(Sorter::sort(broken, {}).scores.at(Shelf::tickets), 4.0);
 }
 
 TEST(Sorter, PrivateNumbersSpeakForIds) {
@@ -181,7 +133,6 @@ TEST(Sorter, PrivateNumbersSpeakForIds) {
          {"ABCPE1234F", "Passport Z1234567"},
          {SensitiveKind::taxID, SensitiveKind::passport},
          8.0 + 4.0},
-        {"card alone", {"4111 1111 1111 1111"}, {SensitiveKind::cardNumber}, 3.0},
         {"bank account adds nothing",
          {"GB82 WEST 1234 5698 7654 32"},
          {SensitiveKind::bankAccount},
@@ -205,28 +156,6 @@ TEST(Sorter, MadeUpScreenshotsLandOnTheirShelves) {
     EXPECT_EQ(bill.category, Shelf::bills);
     // The GSTIN holds a PAN-shaped run, but glued to the state code it is no tax ID.
     EXPECT_TRUE(bill.flags.empty());
-
-    const Lines passportPage = {"REPUBLIC OF INDIA",
-                                "PASSPORT",
-                                "Surname",
-                                "DORAN",
-                                "Given Names",
-                                "NELA",
-                                "P<INDDORAN<<NELA<<<<<<<<<<<<<<<<<<<<<<<<<<<",
-                                "Z1234567<4IND9108145F3108139<<<<<<<<<<<<<<02"};
-    const Verdict passport = Sorter::sort(passportPage, {});
-    EXPECT_EQ(passport.category, Shelf::ids);
-    EXPECT_TRUE(passport.flags.contains(SensitiveKind::passport));
-
-    // A made-up number that passes the check, grouped 4-4-4 as on the card.
-    std::string number = "47210983561";
-    number += std::to_string(Sensitive::verhoeffDigit(number));
-    const std::string grouped =
-        number.substr(0, 4) + " " + number.substr(4, 4) + " " + number.substr(8, 4);
-    const Verdict card =
-        Sorter::sort({"NATIONAL IDENTITY CARD", "Name", "Nela Doran", grouped}, {});
-    EXPECT_EQ(card.category, Shelf::ids);
-    EXPECT_EQ(card.flags, SensitiveKinds{SensitiveKind::nationalID});
 }
 
 Reading readingOf(Lines texts, std::vector<std::string> barcodes = {}) {
@@ -243,22 +172,15 @@ TEST(Sorter, ApplyWritesTheReadingAndVerdictButKeepsTheHandPickedShelf) {
     Shot shot("/home/u/Pictures/Screenshots/Screenshot 2026-10-12.png", 1000, Date{}, Date{});
     shot.manual = Shelf::tickets;
     shot.readAt = Date{} + std::chrono::seconds(5);
-    const Reading reading =
-        readingOf({"TAX INVOICE", "Grand Total ₹1,008.00", "Card ending 4242"}, {"QR"});
+    const Reading reading = readingOf({"TAX INVOICE", "Grand Total ₹1,008.00"}, {"QR"});
     Sorter::apply(reading, shot);
 
     EXPECT_EQ(shot.lines, reading.lines);
     EXPECT_EQ(shot.barcodes, reading.barcodes);
     EXPECT_EQ(shot.pixelWidth, 1170);
-    EXPECT_EQ(shot.pixelHeight, 2532);
-    EXPECT_FALSE(shot.failed);
     EXPECT_EQ(shot.folded, searchTextOf(reading.lines, shot.name()));
-    const Verdict v =
-        Sorter::sort({"TAX INVOICE", "Grand Total ₹1,008.00", "Card ending 4242"}, {"QR"});
     EXPECT_EQ(shot.guess, Shelf::bills);
-    EXPECT_EQ(shot.guess, v.category);
-    EXPECT_DOUBLE_EQ(shot.guessScore, v.confidence);
-    EXPECT_EQ(shot.flags, v.flags);
+    EXPECT_GT(shot.guessScore, 0.0);
     EXPECT_EQ(shot.reader, readerVersion);
     EXPECT_EQ(shot.manual, Shelf::tickets);
     EXPECT_EQ(shot.readAt, Date{} + std::chrono::seconds(5));
@@ -278,15 +200,6 @@ TEST(Sorter, ApplyingAFailedReadingClearsTheOldOne) {
     EXPECT_EQ(shot.guess, Shelf::other);
     EXPECT_EQ(shot.guessScore, 0.0);
     EXPECT_EQ(shot.folded, "\na.png");
-}
-
-
-TEST(Sorter, BrokenTextIsSortedWithoutHarm) {
-    // Text from a damaged file or a reader fault: stray bytes that are not UTF-8.
-    const Lines broken = {"Boarding\xff Pass", "\xe0\xa4", "Gate \xc3 22", "Seat 14C\x80"};
-    const Verdict v = Sorter::sort(broken, {});
-    EXPECT_EQ(v.scores.size(), allShelves.size());
-    EXPECT_GE(v.scores.at(Shelf::tickets), 4.0); // "gate" and "seat" still count
 }
 
 } // namespace

@@ -32,25 +32,8 @@ TEST(TallyTest, CountsOnePass) {
         std::map<Shelf, int64_t> byCategory;
         int64_t total, sensitive, unread, bytes;
     };
-    const std::vector<Spec> tenUnread(10, Spec{false, Shelf::bills});
     const std::vector<Case> cases = {
         {"nothing", {}, {}, 0, 0, 0, 0},
-        {"ten unread shots", tenUnread, {}, 10, 0, 10, 10000},
-        {"unread shots sit on no shelf and are not private",
-         {{false, Shelf::ids, std::nullopt, {SensitiveKind::cardNumber}}},
-         {},
-         1,
-         0,
-         1,
-         1000},
-        {"by hand wins over the guess",
-         {{true, Shelf::bills, Shelf::chats}},
-         {{Shelf::chats, 1}},
-         1,
-         0,
-         0,
-         1000},
-        {"IDs without flags are private", {{true, Shelf::ids}}, {{Shelf::ids, 1}}, 1, 1, 0, 1000},
         {"a mix",
          {{true, Shelf::bills, std::nullopt, {}, 10},
           {true, Shelf::bills, std::nullopt, {SensitiveKind::bankAccount}, 20},
