@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <numeric>
+#include <span>
+#include <thread>
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
 
@@ -115,6 +117,9 @@ int termScore(std::string_view text, std::string_view name, std::string_view ter
     return occurrences + (startsLine ? 2 : 0) + (findText(name, term) != none ? 1 : 0);
 }
 
+// Below this many shots a second thread costs more than it saves.
+constexpr size_t parallelFrom = 20000;
+
 struct Ranked {
     int score;
     Date date;
@@ -123,7 +128,7 @@ struct Ranked {
 
 // The matching shots, scored. `order` lists the terms longest first: a longer term is likelier
 // to rule a shot out, so it is looked for first.
-std::vector<Ranked> scoreMatches(const std::vector<ShotPtr>& shots,
+std::vector<Ranked> scoreMatches(std::span<const ShotPtr> shots,
                                  const std::vector<std::string>& terms,
                                  const std::vector<size_t>& order) {
     std::vector<Ranked> ranked;
@@ -212,7 +217,21 @@ std::vector<ShotPtr> SearchQuery::rank(const std::vector<ShotPtr>& shots) const 
     std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(),
                      [&](size_t a, size_t b) { return terms[a].size() > terms[b].size(); });
-    std::vector<Ranked> ranked = scoreMatches(shots, terms, order);
+    // The search reads every shot's text, so a large library is split between two threads; the
+    // halves are joined in order, which keeps the sort below stable over the whole list.
+    std::vector<Ranked> ranked;
+    const std::span<const ShotPtr> all(shots);
+    if (shots.size() < parallelFrom || terms.empty()) {
+        ranked = scoreMatches(all, terms, order);
+    } else {
+        const size_t half = shots.size() / 2;
+        std::vector<Ranked> second;
+        std::thread helper([&] { second = scoreMatches(all.subspan(half), terms, order); });
+        ranked = scoreMatches(all.first(half), terms, order);
+        helper.join();
+        ranked.insert(ranked.end(), std::make_move_iterator(second.begin()),
+                      std::make_move_iterator(second.end()));
+    }
     std::stable_sort(ranked.begin(), ranked.end(), [](const Ranked& a, const Ranked& b) {
         return a.score != b.score ? a.score > b.score : a.date > b.date;
     });
