@@ -36,28 +36,8 @@ std::string readableAs(const Document& doc, Ref ref) {
            (doc.array(ref) ? "a" : "") + (doc.dict(ref) ? "k" : "");
 }
 
-// A value as `test::readWithPlistlib` gives it, read with the accessor that takes it.
-test::Leaf leafOf(const Document& d, Ref r) {
-    char hex[32];
-    if (const auto v = d.integer(r)) return {"int", std::to_string(*v)};
-    if (const auto v = d.real(r)) return {"float", (std::snprintf(hex, 32, "%a", *v), hex)};
-    if (const auto v = d.boolean(r)) return {"bool", *v ? "true" : "false"};
-    if (const auto v = d.date(r)) return {"date", std::to_string(microsOf(*v))};
-    if (const auto v = d.data(r)) return {"data", test::hexOf({(const char*)v->data(), v->size()})};
-    if (const auto v = d.string(r)) return {"str", test::hexOf(*v)};
-    return {"unreadable", ""};
-}
-
-// Compares reals by their bits, so that -0 and not-a-number count too.
-void expectSameLeaf(const test::Leaf& got, const test::Leaf& want) {
-    EXPECT_EQ(got.type, want.type);
-    if (want.type == "float")
-        EXPECT_EQ(std::bit_cast<uint64_t>(std::strtod(got.value.c_str(), nullptr)),
-                  std::bit_cast<uint64_t>(std::strtod(want.value.c_str(), nullptr)));
-    else {
-        EXPECT_EQ(got.value, want.value);
-    }
-}
+using test::expectSameLeaf;
+using test::leafOf;
 
 TEST(PlistTest, ValuesRoundTripAndPlistlibReadsThem) {
     Writer writer;
