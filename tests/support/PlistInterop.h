@@ -3,9 +3,14 @@
 // Reads property-list files with independent tools (Python's plistlib, libplist's plistutil),
 // so tests can check that other programs read what Lumivale writes, and the other way round.
 
+#include "core/Plist.h"
 #include "support/TempDir.h"
 
+#include <algorithm>
+#include <bit>
+#include <chrono>
 #include <cstdio>
+#include <gtest/gtest.h>
 #include <map>
 #include <optional>
 #include <sstream>
@@ -95,6 +100,57 @@ inline std::string hexOf(std::string_view bytes) {
         hex += digits[c & 0xF];
     }
     return hex;
+}
+
+// A value as `readWithPlistlib` gives it (reals as C's "%a"), read with the accessor that takes it.
+inline Leaf leafOf(const plist::Document& d, plist::Ref r) {
+    using namespace std::chrono;
+    char real[32];
+    if (const auto v = d.integer(r)) return {"int", std::to_string(*v)};
+    if (const auto v = d.real(r)) return {"float", (std::snprintf(real, 32, "%a", *v), real)};
+    if (const auto v = d.boolean(r)) return {"bool", *v ? "true" : "false"};
+    if (const auto v = d.date(r))
+        return {"date", std::to_string(duration_cast<microseconds>(v->time_since_epoch()).count())};
+    if (const auto v = d.data(r))
+        return {"data", hexOf({reinterpret_cast<const char*>(v->data()), v->size()})};
+    if (const auto v = d.string(r)) return {"str", hexOf(*v)};
+    return {"unreadable", ""};
+}
+
+// Every value of a property list as this program's reader sees it, shaped as `readWithPlistlib`.
+inline void readWithOurs(const plist::Document& d, plist::Ref r, const std::string& path,
+                         std::map<std::string, Leaf>& leaves) {
+    if (const auto dict = d.dict(r)) {
+        std::vector<std::string> keys;
+        for (size_t i = 0; i < dict->size(); ++i) {
+            keys.push_back(d.string(dict->keyAt(i)).value_or("?"));
+            readWithOurs(d, dict->valueAt(i), path + "|" + keys.back(), leaves);
+        }
+        std::sort(keys.begin(), keys.end());
+        std::string joined;
+        for (const std::string& key : keys)
+            joined += (joined.empty() ? "" : ",") + key;
+        leaves[path] = {"dict", joined};
+    } else if (const auto items = d.array(r)) {
+        leaves[path] = {"array", std::to_string(items->size())};
+        for (size_t i = 0; i < items->size(); ++i)
+            readWithOurs(d, (*items)[i], path + "|" + std::to_string(i), leaves);
+    } else {
+        leaves[path] = leafOf(d, r);
+    }
+}
+
+// Expects the same value: reals by their bits (so -0 and not-a-number count), dates within `slack`.
+inline void expectSameLeaf(const Leaf& got, const Leaf& want,
+                           std::chrono::microseconds slack = {}) {
+    EXPECT_EQ(got.type, want.type);
+    if (want.type == "float")
+        EXPECT_EQ(std::bit_cast<uint64_t>(std::strtod(got.value.c_str(), nullptr)),
+                  std::bit_cast<uint64_t>(std::strtod(want.value.c_str(), nullptr)));
+    else if (want.type == "date" && got.type == "date")
+        EXPECT_LE(std::abs(std::stoll(got.value) - std::stoll(want.value)), slack.count());
+    else
+        EXPECT_EQ(got.value, want.value);
 }
 
 } // namespace lumivale::test
