@@ -7,6 +7,8 @@
 //   ReadingBench --draw FOLDER        draws screenshot-like pictures and their expected.tsv
 //   --details                         also prints each picture's recall and missing words
 //
+// The reader reads each folder twice on the same three threads: first with the engines still to
+// load, then again with them loaded, as in a long scan.
 // Prints pictures per second, core-seconds per picture (user + system time over pictures) and,
 // where the folder has an expected.tsv (lines: file name TAB expected line), word recall: the
 // share of expected words, folded, that the text read holds.
@@ -17,6 +19,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <barrier>
 #include <cctype>
 #include <chrono>
 #include <cstdio>
@@ -121,45 +124,74 @@ double coreSeconds(int who) {
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-// Reads every picture with `readOne` (which gives the text read, or nothing on a failure) on
-// `threads` threads and prints the figures.
-void measure(const std::string& label, const std::string& folder, int threads, int rusageWho,
-             const std::function<std::optional<std::string>(const std::string&)>& readOne) {
-    const auto files = picturesIn(folder);
-    if (files.empty()) {
-        std::printf("%-10s no pictures\n", label.c_str());
-        return;
-    }
-    std::vector<std::optional<std::string>> texts(files.size());
+using ReadOne = std::function<std::optional<std::string>(const std::string&)>;
+
+struct Pass {
+    std::vector<std::optional<std::string>> texts; // by file; nothing where reading failed
+    double wall = 0, core = 0;                     // seconds
+};
+
+// Reads every file with `readOne` in `passes` passes, on `threads` threads that live through
+// all passes (so that what a thread keeps, such as its engine, is kept from pass to pass).
+std::vector<Pass> readInPasses(const std::vector<std::string>& files, int threads, int passes,
+                               int rusageWho, const ReadOne& readOne) {
+    std::vector<Pass> results(size_t(passes),
+                              Pass{std::vector<std::optional<std::string>>(files.size())});
+    std::barrier sync(threads + 1);
     std::atomic<size_t> next = 0;
-    const double coreBefore = coreSeconds(rusageWho);
-    const auto start = std::chrono::steady_clock::now();
     std::vector<std::thread> pool;
     for (int t = 0; t < threads; ++t)
         pool.emplace_back([&] {
-            for (size_t i; (i = next++) < files.size();)
-                texts[i] = readOne(files[i]);
+            for (Pass& pass : results) {
+                sync.arrive_and_wait();
+                for (size_t i; (i = next++) < files.size();)
+                    pass.texts[i] = readOne(files[i]);
+                sync.arrive_and_wait();
+            }
         });
+    for (Pass& pass : results) {
+        next = 0;
+        const double coreBefore = coreSeconds(rusageWho);
+        const auto start = std::chrono::steady_clock::now();
+        sync.arrive_and_wait(); // go
+        sync.arrive_and_wait(); // all done
+        pass.wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        pass.core = coreSeconds(rusageWho) - coreBefore;
+    }
     for (auto& thread : pool)
         thread.join();
-    const double wall =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    const double core = coreSeconds(rusageWho) - coreBefore;
+    return results;
+}
 
+void report(const std::string& label, const std::string& folder,
+            const std::vector<std::string>& files, const Pass& pass) {
     const auto expected = expectedLines(folder);
     Recall recall;
     size_t failed = 0;
     for (size_t i = 0; i < files.size(); ++i) {
-        failed += !texts[i];
-        countRecall(expected, files[i], texts[i].value_or(""), recall);
+        failed += !pass.texts[i];
+        countRecall(expected, files[i], pass.texts[i].value_or(""), recall);
     }
     const double n = double(files.size());
     std::printf("%-10s %4zu pictures %3zu failed %7.2f s %7.2f pictures/s %6.3f core-s/picture",
-                label.c_str(), files.size(), failed, wall, double(files.size()) / wall, core / n);
+                label.c_str(), files.size(), failed, pass.wall, n / pass.wall, pass.core / n);
     if (recall.expected > 0)
         std::printf("  recall %.3f (%zu/%zu words)", double(recall.found) / double(recall.expected),
                     recall.found, recall.expected);
     std::printf("\n");
+}
+
+// Reads the folder's pictures and prints the figures of each pass under its label.
+void measure(const std::vector<std::string>& labels, const std::string& folder, int threads,
+             int rusageWho, const ReadOne& readOne) {
+    const auto files = picturesIn(folder);
+    if (files.empty()) {
+        std::printf("%-10s no pictures\n", labels.front().c_str());
+        return;
+    }
+    const auto passes = readInPasses(files, threads, int(labels.size()), rusageWho, readOne);
+    for (size_t p = 0; p < passes.size(); ++p)
+        report(labels[p], folder, files, passes[p]);
 }
 
 std::optional<std::string> readWithLumivale(const std::string& file,
@@ -227,9 +259,9 @@ int main(int argc, char** argv) {
     for (size_t i = baseline ? 1 : 0; i < args.size(); ++i) {
         std::printf("%s\n", args[i].c_str());
         if (baseline)
-            measure("tesseract", args[i], 1, RUSAGE_CHILDREN, readWithTesseract);
+            measure({"tesseract"}, args[i], 1, RUSAGE_CHILDREN, readWithTesseract);
         else
-            measure("lumivale", args[i], readingThreads, RUSAGE_SELF,
+            measure({"lumivale", "  again"}, args[i], readingThreads, RUSAGE_SELF,
                     [&](const std::string& file) { return readWithLumivale(file, languages); });
     }
     return 0;

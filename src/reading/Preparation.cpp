@@ -192,6 +192,7 @@ void whitenBackgrounds(GrayImage& image) {
                     if (!lightText[tiles.index(x, y)])
                         near.push_back(std::max(ground[tiles.index(x, y)], 1));
             std::sort(near.begin(), near.end());
+            if (near.front() == 255) continue; // white already
             for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y)
                 for (int x = tx * tileSize; x < std::min(image.width, (tx + 1) * tileSize); ++x) {
                     uint8_t& v = image.pixels[size_t(y) * size_t(image.width) + size_t(x)];

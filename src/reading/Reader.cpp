@@ -58,23 +58,31 @@ std::optional<GrayImage> greyPicture(VipsImage* image) {
     if (vips_thumbnail_image(image, &out, longestSide, "height", longestSide, "size",
                              VIPS_SIZE_DOWN, nullptr))
         return std::nullopt;
-    VipsRef<VipsImage> thumbnail(out);
-    if (vips_colourspace(thumbnail.get(), &out, VIPS_INTERPRETATION_sRGB, nullptr))
+    VipsRef<VipsImage> picture(out);
+    // Into 8-bit grey or sRGB (from 16 bits, CMYK, Lab…), alpha kept.
+    const bool grey = vips_image_get_bands(picture.get()) < 3;
+    if (vips_colourspace(picture.get(), &out,
+                         grey ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB, nullptr))
         return std::nullopt;
-    VipsRef<VipsImage> colour(out);
-    if (vips_image_hasalpha(colour.get())) {
-        double white[] = {255, 255, 255};
-        VipsArrayDouble* background = vips_array_double_new(white, 3);
-        const int failed = vips_flatten(colour.get(), &out, "background", background, nullptr);
+    picture.reset(out);
+    if (vips_image_hasalpha(picture.get())) {
+        double white = 255;
+        VipsArrayDouble* background = vips_array_double_new(&white, 1);
+        const int failed = vips_flatten(picture.get(), &out, "background", background, nullptr);
         vips_area_unref(VIPS_AREA(background));
         if (failed) return std::nullopt;
-        colour.reset(out);
+        picture.reset(out);
     }
-    if (vips_colourspace(colour.get(), &out, VIPS_INTERPRETATION_B_W, nullptr)) return std::nullopt;
-    VipsRef<VipsImage> grey(out);
-    if (vips_cast_uchar(grey.get(), &out, nullptr)) return std::nullopt;
-    VipsRef<VipsImage> bytes(out);
-    return pixelsOf(bytes.get());
+    // Luma straight from the sRGB values: the colour-managed route through linear light costs
+    // more than the decoding, and reads no better.
+    if (!grey) {
+        VipsRef<VipsImage> luma(vips_image_new_matrixv(3, 1, 0.299, 0.587, 0.114));
+        if (vips_recomb(picture.get(), &out, luma.get(), nullptr)) return std::nullopt;
+        picture.reset(out);
+    }
+    if (vips_cast_uchar(picture.get(), &out, nullptr)) return std::nullopt;
+    picture.reset(out);
+    return pixelsOf(picture.get());
 }
 
 Opened open(const std::string& path) {
