@@ -6,6 +6,11 @@
 #include "app/AppModel.h"
 #include "app/Scheduler.h"
 #include "core/Reading.h"
+#include "support/TempDir.h"
+
+#include <QSettings>
+
+#include <gtest/gtest.h>
 
 #include <QFont>
 #include <QGuiApplication>
@@ -16,6 +21,8 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <atomic>
+#include <ostream>
 #include <filesystem>
 #include <memory>
 #include <set>
@@ -166,6 +173,85 @@ public:
 
 private:
     std::string folder_;
+};
+
+// A question the model put to the user.
+struct Question {
+    std::string message, detail, button;
+    bool operator==(const Question&) const = default;
+};
+
+inline std::ostream& operator<<(std::ostream& out, const Question& q) {
+    return out << "{" << q.message << " | " << q.detail << " | " << q.button << "}";
+}
+
+// A model over a temporary tree whose questions, owner check, key, Trash, clock, timers and
+// reader the test holds. Folder watching is off unless a test turns it on.
+class World {
+public:
+    World() {
+        ensureQtApp();
+        std::filesystem::create_directories(shots());
+        settings.setValue("watchFolders", false);
+    }
+
+    std::string shots() const { return tmp.file("Screenshots"); }
+    std::string shot(const std::string& name) const { return shots() + "/" + name; }
+    std::string archive() const { return tmp.file("Archive"); }
+    std::string vaultDir() const { return tmp.file("data/Locked"); }
+
+    // A model, not yet loaded.
+    AppModel& make() {
+        AppModel::Services s;
+        s.clock = [this] { return clock; };
+        s.scheduler = scheduler;
+        s.confirm = [this](const std::string& m, const std::string& d, const std::string& b) {
+            questions.push_back({m, d, b});
+            return agree;
+        };
+        s.authenticate = [this](const std::string& reason) {
+            reasons.push_back(reason);
+            return owner;
+        };
+        s.keySource = keys;
+        s.trasher = trash.trasher();
+        s.read = read;
+        model = std::make_unique<AppModel>(Paths::at(tmp.file("data"), shots(), archive()),
+                                           settings, s);
+        return *model;
+    }
+
+    // A loaded model whose library holds read records of these pictures, drawn into the
+    // screenshot folder as name → words.
+    AppModel& open(const std::vector<std::pair<std::string, Shelf>>& pictures) {
+        Library library;
+        for (const auto& [name, shelf] : pictures) {
+            drawPicture(shot(name), {name, "words of " + name}, 400);
+            library.put(readShotOf(shot(name), shelf, {name}, clock - std::chrono::hours(24)));
+        }
+        EXPECT_TRUE(library.save(tmp.file("data/library.plist")));
+        make().load();
+        return *model;
+    }
+
+    TempDir tmp;
+    QSettings settings{QString::fromStdString(tmp.file("settings.ini")), QSettings::IniFormat};
+    std::shared_ptr<FakeScheduler> scheduler = std::make_shared<FakeScheduler>();
+    Date clock = now();
+    std::vector<Question> questions;
+    bool agree = true;
+    std::vector<std::string> reasons;
+    bool owner = true;
+    VaultKey key = VaultKey::random();
+    std::shared_ptr<VaultKeySource> keys = std::make_shared<MemoryKey>(key);
+    FolderTrash trash{tmp.file("Trash")};
+    std::atomic<int> reads{0};
+    // Counts what is read and finds no words; empty for the real reader.
+    AppModel::ReadFn read = [this](const std::string&, const std::vector<std::string>&) {
+        ++reads;
+        return Reading{};
+    };
+    std::unique_ptr<AppModel> model;
 };
 
 } // namespace lumivale::test
