@@ -111,6 +111,7 @@ TEST(AppModelTest, aFolderThatCannotBeOpenedIsFlaggedAndItsShotsStay) {
         return;
     World world;
     const std::string phone = world.tmp.file("Phone");
+    fs::create_directories(phone);
     test::drawPicture(phone + "/IMG_0001.png", receipt);
     AppModel& model = realModel(world);
     model.addFolder(phone);
