@@ -1,14 +1,12 @@
 // The application model's scan cycle with the real reader on real folders, its settings,
-// folders, shelves, places and timers.
+// folders, shelves and timers. (Places and blurring are covered by the self-check's clean run.)
 #include "AppTestSupport.h"
 #include "reading/Reader.h"
 #include "support/ChildRun.h"
 
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
-
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <mutex>
 
 namespace fs = std::filesystem;
@@ -280,38 +278,6 @@ TEST(AppModelTest, bannersKeepTheirFullTimeAndRevealsEndAfterThirtySeconds) {
     EXPECT_TRUE(model.revealed().count("/x/id.png"));
     world.scheduler->advance(1ms);
     EXPECT_FALSE(model.revealed().count("/x/id.png"));
-}
-
-TEST(AppModelTest, placesRecentHiddenAndVisible) {
-    World world;
-    Library library;
-    auto add = [&](const std::string& path, Date created, Shelf guess, bool read) {
-        Shot s(path, 1, created, world.clock - 24h);
-        s.guess = guess;
-        if (read) s.readAt = world.clock;
-        library.put(s);
-    };
-    add("/a/old-but-touched.png", world.clock - 8 * 24h, Shelf::ids, true);
-    add("/a/new.png", world.clock - 24h, Shelf::bills, true);
-    add("/b/waiting.png", world.clock - 2h, Shelf::bills, false);
-    ASSERT_TRUE(library.save(world.tmp.file("data/library.plist")));
-    AppModel& model = world.make();
-    model.load();
-    auto paths = [](const std::vector<ShotPtr>& shots) {
-        std::set<std::string> out;
-        for (const auto& s : shots) out.insert(s->path);
-        return out;
-    };
-    using Set = std::set<std::string>;
-    EXPECT_EQ(paths(model.shots(Place::of(Place::Kind::recent))),
-              (Set{"/a/new.png", "/b/waiting.png"}));
-    EXPECT_EQ(paths(model.shots(Place::ofShelf(Shelf::bills))), Set{"/a/new.png"});
-    EXPECT_EQ(paths(model.shots(Place::of(Place::Kind::privateOnes))),
-              Set{"/a/old-but-touched.png"});
-    const Shot& id = *model.library().find("/a/old-but-touched.png");
-    EXPECT_TRUE(model.isHidden(id));
-    model.reveal(id.path);
-    EXPECT_FALSE(model.isHidden(id));
 }
 
 } // namespace

@@ -16,7 +16,7 @@ using test::Question;
 using test::World;
 
 const std::vector<std::pair<std::string, Shelf>> twoShots = {{"receipt.png", Shelf::bills},
-                                                              {"chat.png", Shelf::chats}};
+                                                             {"chat.png", Shelf::chats}};
 
 // The banner reads `text` and stays exactly `life`.
 void expectBanner(World& world, const std::string& text, bool isError,
@@ -88,7 +88,8 @@ TEST(AppModelTidy, filesThatWentMissingAreCountedAndOnlyWhatMovedCanBeUndone) {
     const Case cases[] = {
         {{}, "Moved 2 screenshots", 12s},
         {{"receipt.png"}, "Moved 1; 1 screenshot couldn't be moved: No longer there", 12s},
-        {{"receipt.png", "chat.png"}, "Moved 0; 2 screenshots couldn't be moved: No longer there",
+        {{"receipt.png", "chat.png"},
+         "Moved 0; 2 screenshots couldn't be moved: No longer there",
          4s},
     };
     for (const Case& c : cases) {
@@ -117,11 +118,20 @@ TEST(AppModelTidy, trashingAsksFirstAndRecordsWhereEachFileWent) {
     };
     const Case cases[] = {
         {false, {"receipt.png"}, {}, "Put 1 screenshot in the Trash?", std::nullopt},
-        {true, {"receipt.png"}, {}, "Put 1 screenshot in the Trash?",
+        {true,
+         {"receipt.png"},
+         {},
+         "Put 1 screenshot in the Trash?",
          "Put in the Trash: 1 screenshot"},
-        {true, {"receipt.png", "chat.png"}, {}, "Put 2 screenshots in the Trash?",
+        {true,
+         {"receipt.png", "chat.png"},
+         {},
+         "Put 2 screenshots in the Trash?",
          "Put in the Trash: 2 screenshots"},
-        {true, {"receipt.png", "chat.png"}, {"chat.png"}, "Put 2 screenshots in the Trash?",
+        {true,
+         {"receipt.png", "chat.png"},
+         {"chat.png"},
+         "Put 2 screenshots in the Trash?",
          "Put in the Trash: 1; 1 screenshot couldn't be moved: The Trash is not available"},
     };
     for (const Case& c : cases) {
@@ -224,7 +234,8 @@ TEST(AppModelTidy, undoOfFilesMovedOnElsewhereSaysHowManyCouldNotComeBack) {
         ASSERT_TRUE(filed);
         fs::create_directories(world.tmp.file("Elsewhere"));
         for (size_t i = 0; i < c.movedOn; ++i)
-            fs::rename(filed->journal.entries[i].to, world.tmp.file("Elsewhere/" + std::to_string(i)));
+            fs::rename(filed->journal.entries[i].to,
+                       world.tmp.file("Elsewhere/" + std::to_string(i)));
 
         model.undo(filed->journal);
         EXPECT_FALSE(model.banner()->undo);

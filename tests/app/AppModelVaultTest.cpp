@@ -17,11 +17,11 @@ using test::World;
 
 // A keyring that refuses with this code.
 class RefusingKey : public VaultKeySource {
-public:
+  public:
     explicit RefusingKey(int32_t code) : code_(code) {}
     VaultResult<VaultKey> key() override { return VaultError::keychain(code_); }
 
-private:
+  private:
     int32_t code_;
 };
 
@@ -60,13 +60,25 @@ TEST(AppModelVault, lockingAsksTheOwnerAndSendsTheOriginalsToTheTrash) {
         std::optional<std::string> banner; // none: nothing happens at all
     };
     const Case cases[] = {
-        {{"a.png"}, true, true, {}, "Lock away 1 screenshot?",
+        {{"a.png"},
+         true,
+         true,
+         {},
+         "Lock away 1 screenshot?",
          "Locked 1 screenshot. The originals are in the Trash."},
-        {{"a.png", "b.png"}, true, true, {}, "Lock away 2 screenshots?",
+        {{"a.png", "b.png"},
+         true,
+         true,
+         {},
+         "Lock away 2 screenshots?",
          "Locked 2 screenshots. The originals are in the Trash."},
         {{"a.png"}, false, true, {}, "Lock away 1 screenshot?", {}},
         {{"a.png"}, true, false, {}, "Lock away 1 screenshot?", {}},
-        {{"a.png"}, true, true, -2, "Lock away 1 screenshot?",
+        {{"a.png"},
+         true,
+         true,
+         -2,
+         "Lock away 1 screenshot?",
          "Lumivale couldn't reach its key in the keyring: The keyring refused (-2)."},
     };
     for (const Case& c : cases) {
@@ -75,7 +87,8 @@ TEST(AppModelVault, lockingAsksTheOwnerAndSendsTheOriginalsToTheTrash) {
         world.agree = c.agree;
         world.owner = c.owner;
         if (c.keyringRefuses) world.keys = std::make_shared<RefusingKey>(*c.keyringRefuses);
-        AppModel& model = world.open({{"a.png", Shelf::ids}, {"b.png", Shelf::ids}, {"c.png", Shelf::ids}});
+        AppModel& model =
+            world.open({{"a.png", Shelf::ids}, {"b.png", Shelf::ids}, {"c.png", Shelf::ids}});
         model.setSelection(world.shot("a.png"));
         std::vector<std::string> paths;
         for (const std::string& name : c.names)
@@ -120,7 +133,8 @@ TEST(AppModelVault, lockingAsksTheOwnerAndSendsTheOriginalsToTheTrash) {
 
 TEST(AppModelVault, whatCouldNotBeLockedOrTrashedNeedsAnotherTry) {
     World world;
-    AppModel& model = world.open({{"a.png", Shelf::ids}, {"b.png", Shelf::ids}, {"c.png", Shelf::ids}});
+    AppModel& model =
+        world.open({{"a.png", Shelf::ids}, {"b.png", Shelf::ids}, {"c.png", Shelf::ids}});
     fs::remove(world.shot("a.png"));
     world.trash.refused.insert(world.shot("b.png"));
 
@@ -274,7 +288,18 @@ TEST(AppModelVault, discardingAsksFirstAndHandsTheLockedFileToTheTrash) {
 }
 
 TEST(AppModelVault, theAreaClosesItselfOnTime) {
-    enum Step { unlock, close, touch, leave, hide, comeBack, wait10, wait100 };
+    using Step = std::function<void(World&)>;
+    const Step unlock = [](World& w) { w.model->unlockVault(); };
+    const Step close = [](World& w) { w.model->lockVault(); };
+    const Step touch = [](World& w) { w.model->touchVault(); };
+    const auto become = [](Qt::ApplicationState state) {
+        return [state](World&) { emit qGuiApp->applicationStateChanged(state); };
+    };
+    const Step leave = become(Qt::ApplicationInactive), hide = become(Qt::ApplicationHidden),
+               comeBack = become(Qt::ApplicationActive);
+    const auto wait = [](std::chrono::seconds s) {
+        return [s](World& w) { w.scheduler->advance(s); };
+    };
     struct Case {
         const char* name;
         int minutes;
@@ -283,38 +308,29 @@ TEST(AppModelVault, theAreaClosesItselfOnTime) {
     };
     const Case cases[] = {
         {"zero minutes still keeps it open half a minute", 0, {unlock}, 30s},
-        {"working in it restarts the time", 5, {unlock, wait100, touch}, 400s},
-        {"leaving the app gives it a minute", 5, {unlock, wait10, leave}, 70s},
-        {"coming back does not cancel that minute", 5, {unlock, leave, wait10, comeBack}, 60s},
-        {"inactive to hidden does not restart that minute", 5, {unlock, leave, wait10, hide}, 60s},
+        {"working in it restarts the time", 5, {unlock, wait(100s), touch}, 400s},
+        {"leaving the app gives it a minute", 5, {unlock, wait(10s), leave}, 70s},
+        {"coming back does not cancel that minute", 5, {unlock, leave, wait(10s), comeBack}, 60s},
+        {"inactive to hidden does not restart it", 5, {unlock, leave, wait(10s), hide}, 60s},
         {"a timer of an earlier opening does not close a later one",
-         5, {unlock, wait100, close, wait100, unlock}, 500s},
-        {"leaving while closed sets no timer", 1, {leave, wait10, unlock}, 70s},
+         5,
+         {unlock, wait(100s), close, wait(100s), unlock},
+         500s},
+        {"leaving while closed sets no timer", 1, {leave, wait(10s), unlock}, 70s},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         World world;
         world.settings.setValue("lockAfterMinutes", c.minutes);
-        AppModel& model = world.open({});
-        model.start(); // listens to the application becoming active or not
-        for (Step step : c.steps) {
-            switch (step) {
-            case unlock: model.unlockVault(); break;
-            case close: model.lockVault(); break;
-            case touch: model.touchVault(); break;
-            case leave: emit qGuiApp->applicationStateChanged(Qt::ApplicationInactive); break;
-            case hide: emit qGuiApp->applicationStateChanged(Qt::ApplicationHidden); break;
-            case comeBack: emit qGuiApp->applicationStateChanged(Qt::ApplicationActive); break;
-            case wait10: world.scheduler->advance(10s); break;
-            case wait100: world.scheduler->advance(100s); break;
-            }
-        }
+        world.open({}).start(); // listens to the application becoming active or not
+        for (const Step& step : c.steps)
+            step(world);
         const auto left = c.closesAt - world.scheduler->now();
         EXPECT_EQ(world.scheduler->pending(), std::vector<std::chrono::milliseconds>{left});
         world.scheduler->advance(left - 1ms);
-        EXPECT_TRUE(model.vaultOpen());
+        EXPECT_TRUE(world.model->vaultOpen());
         world.scheduler->advance(1ms);
-        EXPECT_FALSE(model.vaultOpen());
+        EXPECT_FALSE(world.model->vaultOpen());
     }
 }
 

@@ -8,25 +8,21 @@
 #include "core/Reading.h"
 #include "support/TempDir.h"
 
-#include <QSettings>
-
-#include <gtest/gtest.h>
-
 #include <QFont>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QPointer>
-
-#include <sys/stat.h>
-
+#include <QSettings>
 #include <algorithm>
 #include <atomic>
-#include <ostream>
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <memory>
+#include <ostream>
 #include <set>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 namespace lumivale::test {
@@ -35,13 +31,14 @@ inline void ensureQtApp() {
     static int argc = 1;
     static char name[] = "lumivale-test";
     static char* argv[] = {name, nullptr};
-    static QGuiApplication* app = QGuiApplication::instance() ? nullptr : new QGuiApplication(argc, argv);
+    static QGuiApplication* app =
+        QGuiApplication::instance() ? nullptr : new QGuiApplication(argc, argv);
     (void)app;
 }
 
 // A scheduler whose clock only moves when the test says so.
 class FakeScheduler : public Scheduler {
-public:
+  public:
     struct Entry : Timer {
         std::chrono::milliseconds due;
         std::function<void()> run;
@@ -68,16 +65,14 @@ public:
     void advance(std::chrono::milliseconds by) {
         const auto until = now_ + by;
         for (;;) {
-            auto next = std::min_element(entries_.begin(), entries_.end(), [](const auto& a, const auto& b) {
-                return a->due < b->due;
-            });
-            if (next == entries_.end() || (*next)->due > until)
-                break;
+            auto next =
+                std::min_element(entries_.begin(), entries_.end(),
+                                 [](const auto& a, const auto& b) { return a->due < b->due; });
+            if (next == entries_.end() || (*next)->due > until) break;
             auto entry = *next;
             entries_.erase(next);
             now_ = entry->due;
-            if (!entry->cancelled && entry->context)
-                entry->run();
+            if (!entry->cancelled && entry->context) entry->run();
         }
         now_ = until;
     }
@@ -86,21 +81,21 @@ public:
     std::vector<std::chrono::milliseconds> pending() const {
         std::vector<std::chrono::milliseconds> out;
         for (const auto& e : entries_)
-            if (!e->cancelled)
-                out.push_back(e->due - now_);
+            if (!e->cancelled) out.push_back(e->due - now_);
         return out;
     }
 
     std::chrono::milliseconds now() const { return now_; }
 
-private:
+  private:
     std::chrono::milliseconds now_{0};
     int created_ = 0;
     std::vector<std::shared_ptr<Entry>> entries_;
 };
 
 // Draws dark lines of text on a light picture, big enough to read, and saves it.
-inline void drawPicture(const std::string& path, const std::vector<std::string>& lines, int width = 900) {
+inline void drawPicture(const std::string& path, const std::vector<std::string>& lines,
+                        int width = 900) {
     QImage image(width, 80 + 70 * static_cast<int>(lines.size()), QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
@@ -140,7 +135,7 @@ inline Shot readShotOf(const std::string& path, Shelf guess, std::vector<std::st
 // A Trash of the test's own: files are moved into `folder` (numbered when the name is taken)
 // and the new place is reported; paths in `refused` are turned away with `reason`.
 class FolderTrash {
-public:
+  public:
     explicit FolderTrash(std::string folder) : folder_(std::move(folder)) {}
 
     std::set<std::string> refused;
@@ -158,20 +153,20 @@ public:
 
     Trasher trasher() {
         return [this](const std::string& path) {
-            if (refused.count(path))
-                return TrashOutcome::failure(reason);
+            if (refused.count(path)) return TrashOutcome::failure(reason);
             namespace fs = std::filesystem;
             fs::create_directories(folder_);
             std::string target = folder_ + "/" + fs::path(path).filename().string();
             for (int n = 2; fs::exists(target); ++n)
-                target = folder_ + "/" + std::to_string(n) + " " + fs::path(path).filename().string();
+                target =
+                    folder_ + "/" + std::to_string(n) + " " + fs::path(path).filename().string();
             std::error_code ec;
             fs::rename(path, target, ec);
             return ec ? TrashOutcome::failure(ec.message()) : TrashOutcome::landedAt(target);
         };
     }
 
-private:
+  private:
     std::string folder_;
 };
 
@@ -188,7 +183,7 @@ inline std::ostream& operator<<(std::ostream& out, const Question& q) {
 // A model over a temporary tree whose questions, owner check, key, Trash, clock, timers and
 // reader the test holds. Folder watching is off unless a test turns it on.
 class World {
-public:
+  public:
     World() {
         ensureQtApp();
         std::filesystem::create_directories(shots());

@@ -53,7 +53,8 @@ TEST(CanvasTest, OnePointIsTwoPixelsWithYDownOnTheBackground) {
         EXPECT_EQ(image.pixel(59, 29), qRgb(255, 0, 0));
         for (const QPoint outside : {QPoint(19, 10), QPoint(60, 29), QPoint(20, 30),
                                      QPoint(image.width() - 1, image.height() - 1)})
-            EXPECT_EQ(image.pixel(outside), rgb(0x111018).rgb()) << outside.x() << "," << outside.y();
+            EXPECT_EQ(image.pixel(outside), rgb(0x111018).rgb())
+                << outside.x() << "," << outside.y();
     }
     EXPECT_TRUE(Canvas(0, 0, 0xFFFFFF).render([](Canvas&) {}).isNull());
 }

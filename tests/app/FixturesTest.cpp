@@ -204,7 +204,6 @@ TEST(FixturesTest, WriteNeverReplacesAFileAndReportsWhatFailed) {
     const auto blocked = Fixtures::write(two, file + "/inside", now);
     EXPECT_FALSE(blocked.status);
     EXPECT_TRUE(blocked.files.empty());
-
 }
 
 } // namespace

@@ -50,8 +50,10 @@ std::set<int> failedChecks(const std::string& report) {
         return failed;
     }
     for (size_t i = 0; i < checkCount; ++i) {
-        if (lines[i].starts_with("FAIL ")) failed.insert(static_cast<int>(i) + 1);
-        else EXPECT_TRUE(lines[i].starts_with("PASS ")) << "line " << i + 1 << ": " << lines[i];
+        if (lines[i].starts_with("FAIL "))
+            failed.insert(static_cast<int>(i) + 1);
+        else
+            EXPECT_TRUE(lines[i].starts_with("PASS ")) << "line " << i + 1 << ": " << lines[i];
     }
     EXPECT_EQ(lines.back(),
               failed.empty() ? "ALL PASS" : std::to_string(failed.size()) + " FAILED");
@@ -67,18 +69,21 @@ void expectOnlyTheReport(const std::string& dir, const SelfTest::Outcome& outcom
     EXPECT_EQ(left, std::vector<std::string>{"selftest.txt"}) << "the working tree stays behind";
 }
 
-// The reading the services give so far: the one a breakage set before, else the real reader.
-AppModel::ReadFn readingOf(const AppModel::Services& services) {
-    if (services.read) return services.read;
-    return [](const std::string& path, const std::vector<std::string>& languages) {
-        return Reader::read(path, languages);
+// Alters what the services' reader (one a breakage set before, else the real one) reports.
+std::function<void(AppModel::Services&)>
+alterReading(std::function<void(const std::string& path, Reading&)> alter) {
+    return [alter](AppModel::Services& s) {
+        s.read = [alter, read = s.read](const std::string& path,
+                                        const std::vector<std::string>& languages) {
+            Reading reading = read ? read(path, languages) : Reader::read(path, languages);
+            alter(path, reading);
+            return reading;
+        };
     };
 }
 
-bool says(const Reading& reading, const std::string& word) {
-    return std::any_of(reading.lines.begin(), reading.lines.end(), [&](const TextLine& line) {
-        return line.text.find(word) != std::string::npos;
-    });
+std::string nameOf(const std::string& path) {
+    return fs::path(path).filename().string();
 }
 
 // A key store that has lost its key by the next call: a new one every time.
@@ -114,14 +119,10 @@ std::vector<BrokenRun> brokenRuns() {
         {"readingTidyFindingOpening",
          {
              {"the reader loses the café receipt's words",
-              [](AppModel::Services& s) {
-                  s.read = [read = readingOf(s)](const std::string& path,
-                                                 const std::vector<std::string>& languages) {
-                      Reading reading = read(path, languages);
-                      if (says(reading, "Bloom")) reading.lines.clear();
-                      return reading;
-                  };
-              },
+              alterReading([](const std::string&, Reading& r) {
+                  for (const TextLine& line : r.lines)
+                      if (line.text.find("Bloom") != std::string::npos) return r.lines.clear();
+              }),
               // shelved under Other, not found by its words, filed with the wrong shelf, and the
               // receipt saved as a new screenshot shelves wrong too
               {2, 5, 18, 19, 36}},
@@ -144,14 +145,9 @@ std::vector<BrokenRun> brokenRuns() {
               [](AppModel::Services& s) { s.keySource = std::make_shared<ChangingKey>(); },
               {35, 44, 45, 46, 47}},
              {"an added folder's picture cannot be decoded",
-              [](AppModel::Services& s) {
-                  s.read = [read = readingOf(s)](const std::string& path,
-                                                 const std::vector<std::string>& languages) {
-                      if (fs::path(path).filename() == "IMG_0001.png")
-                          return Reading{.failed = true};
-                      return read(path, languages);
-                  };
-              },
+              alterReading([](const std::string& path, Reading& r) {
+                  if (nameOf(path) == "IMG_0001.png") r = Reading{.failed = true};
+              }),
               {39}},
          }},
         {"lockedAreaAndBrokenFile",
@@ -161,16 +157,12 @@ std::vector<BrokenRun> brokenRuns() {
               // nothing is locked, so nothing can be opened or restored
               {30, 31, 32, 33, 35, 44, 45, 46, 47}},
              {"the reader takes a file that is no picture for one",
-              [](AppModel::Services& s) {
-                  s.read = [read = readingOf(s)](const std::string& path,
-                                                 const std::vector<std::string>& languages) {
-                      if (fs::path(path).filename().string().starts_with("Screenshot broken"))
-                          return Reading{.lines = {TextLine{.text = "not an image"}},
-                                         .pixelWidth = 10,
-                                         .pixelHeight = 10};
-                      return read(path, languages);
-                  };
-              },
+              alterReading([](const std::string& path, Reading& r) {
+                  if (nameOf(path).starts_with("Screenshot broken"))
+                      r = Reading{.lines = {TextLine{.text = "not an image"}},
+                                  .pixelWidth = 10,
+                                  .pixelHeight = 10};
+              }),
               {38}},
          }},
     };
@@ -197,8 +189,7 @@ TEST_P(SelfTestBroken, reportsExactlyWhatIsBrokenAndGoesOnToTheEnd) {
     const std::set<int> failed = failedChecks(outcome.report);
     for (const Breakage& b : GetParam().breakages)
         for (int check : b.failing)
-            EXPECT_TRUE(failed.count(check))
-                << b.what << ": check " << check << " passed";
+            EXPECT_TRUE(failed.count(check)) << b.what << ": check " << check << " passed";
     for (int check : failed)
         EXPECT_TRUE(expected.count(check))
             << linesOf(outcome.report)[check - 1] << " (for nothing broken)";
