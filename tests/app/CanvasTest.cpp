@@ -1,5 +1,7 @@
 #include "app/Canvas.h"
 
+#include "AppTestSupport.h"
+
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QGuiApplication>
@@ -9,14 +11,6 @@
 
 namespace lumivale {
 namespace {
-
-void startGui() {
-    static int argc = 1;
-    static char name[] = "CanvasTest";
-    static char* argv[] = {name, nullptr};
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QGuiApplication app(argc, argv);
-}
 
 // Whether some pixel inside r is (nearly) the colour c.
 bool holds(const QImage& image, const QRect& r, uint32_t c) {
@@ -33,7 +27,7 @@ bool holds(const QImage& image, const QRect& r, uint32_t c) {
 }
 
 TEST(CanvasTest, FontsResolveToTheInstalledFamilies) {
-    startGui();
+    test::ensureQtApp();
     EXPECT_EQ(QFontInfo(Canvas::sans(14, QFont::Bold)).family(), "Liberation Sans");
     EXPECT_TRUE(QFontInfo(Canvas::sans(14, QFont::Bold)).bold());
     EXPECT_EQ(QFontInfo(Canvas::mono(14)).family(), "DejaVu Sans Mono");
@@ -42,7 +36,7 @@ TEST(CanvasTest, FontsResolveToTheInstalledFamilies) {
 }
 
 TEST(CanvasTest, OnePointIsTwoPixelsWithYDownOnTheBackground) {
-    startGui();
+    test::ensureQtApp();
     for (const QSizeF size : {QSizeF(100, 50), QSizeF(100.5, 53)}) {
         SCOPED_TRACE(size.width());
         Canvas canvas(size.width(), size.height(), 0x111018);
@@ -60,7 +54,7 @@ TEST(CanvasTest, OnePointIsTwoPixelsWithYDownOnTheBackground) {
 }
 
 TEST(CanvasTest, DrawnBarcodesDecodeToTheirPayload) {
-    startGui();
+    test::ensureQtApp();
     struct Case {
         BarcodeKind kind;
         QString payload;
@@ -97,7 +91,7 @@ TEST(CanvasTest, DrawnBarcodesDecodeToTheirPayload) {
 }
 
 TEST(CanvasTest, CodeColoursKeywordsTypesStringsNumbersAndAttributes) {
-    startGui();
+    test::ensureQtApp();
     const CodeStyle style{.plain = 0xFFFFFF,
                           .keyword = 0xFF0000,
                           .type = 0x0000FF,
@@ -129,7 +123,7 @@ TEST(CanvasTest, CodeColoursKeywordsTypesStringsNumbersAndAttributes) {
 }
 
 TEST(CanvasTest, BubblesSitOnTheirOwnSideAndGrowWithTheirText) {
-    startGui();
+    test::ensureQtApp();
     Canvas canvas(390, 400, 0xFFFFFF);
     double shortBottom = 0, longBottom = 0, mineBottom = 0;
     const QImage image = canvas.render([&](Canvas& c) {

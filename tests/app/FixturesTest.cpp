@@ -1,5 +1,6 @@
 #include "app/Fixtures.h"
 
+#include "AppTestSupport.h"
 #include "app/Canvas.h"
 #include "app/FixtureDrawings.h"
 #include "support/TempDir.h"
@@ -15,15 +16,6 @@ namespace lumivale {
 namespace {
 
 using Kind = Fixture::Kind;
-
-// Fonts are only reachable through a running QGuiApplication; one serves the whole program.
-void startGui() {
-    static int argc = 1;
-    static char name[] = "FixturesTest";
-    static char* argv[] = {name, nullptr};
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QGuiApplication app(argc, argv);
-}
 
 // The local time of the given calendar date, through the C library rather than ICU.
 Date localDate(int year, int month, int day, int hour, int minute, int second) {
@@ -108,7 +100,7 @@ TEST(FixturesTest, IdNumberIsTwelveDigitsWithAVerhoeffCheckDigit) {
 }
 
 TEST(FixturesTest, EveryImageIsTwicePointSizeAndDrawn) {
-    startGui();
+    test::ensureQtApp();
     for (Kind kind : allFixtureKinds) {
         SCOPED_TRACE(kindName(kind));
         const QImage image = Fixtures::image(kind);
@@ -127,7 +119,7 @@ TEST(FixturesTest, EveryImageIsTwicePointSizeAndDrawn) {
 // Every text a reader should find is drawn word for word, possibly in several coloured pieces
 // laid one after another; the sunset has no text at all.
 TEST(FixturesTest, QuotedTextsAreDrawnAndTheSunsetHasNone) {
-    startGui();
+    test::ensureQtApp();
     for (Kind kind : allFixtureKinds) {
         SCOPED_TRACE(kindName(kind));
         const auto& drawing = FixtureDrawings::of(kind);
@@ -156,7 +148,7 @@ TEST(FixturesTest, QuotedTextsAreDrawnAndTheSunsetHasNone) {
 }
 
 TEST(FixturesTest, WriteMakesDatedPicturesInANewFolder) {
-    startGui();
+    test::ensureQtApp();
     test::TempDir dir;
     const std::string folder = dir.file("a/b/Screenshots");
     const Date now = localDate(2026, 11, 1, 9, 0, 0);
@@ -184,7 +176,7 @@ TEST(FixturesTest, WriteMakesDatedPicturesInANewFolder) {
 }
 
 TEST(FixturesTest, WriteNeverReplacesAFileAndReportsWhatFailed) {
-    startGui();
+    test::ensureQtApp();
     test::TempDir dir;
     const Date now = localDate(2026, 11, 1, 9, 0, 0);
     const std::vector<Fixture> two = {Fixtures::all()[0], Fixtures::all()[1]};
