@@ -53,52 +53,35 @@ const LockedShot& itemNamed(AppModel& model, const std::string& name) {
 
 TEST(AppModelVault, lockingAsksTheOwnerAndSendsTheOriginalsToTheTrash) {
     struct Case {
-        std::vector<std::string> names;
-        bool agree, owner;
-        std::optional<int32_t> keyringRefuses;
-        std::string question;
+        size_t count; // of a.png, b.png
+        bool agree, owner, keyringRefuses;
         std::optional<std::string> banner; // none: nothing happens at all
     };
     const Case cases[] = {
-        {{"a.png"},
-         true,
-         true,
-         {},
-         "Lock away 1 screenshot?",
-         "Locked 1 screenshot. The originals are in the Trash."},
-        {{"a.png", "b.png"},
-         true,
-         true,
-         {},
-         "Lock away 2 screenshots?",
-         "Locked 2 screenshots. The originals are in the Trash."},
-        {{"a.png"}, false, true, {}, "Lock away 1 screenshot?", {}},
-        {{"a.png"}, true, false, {}, "Lock away 1 screenshot?", {}},
-        {{"a.png"},
-         true,
-         true,
-         -2,
-         "Lock away 1 screenshot?",
+        {1, true, true, false, "Locked 1 screenshot. The originals are in the Trash."},
+        {2, true, true, false, "Locked 2 screenshots. The originals are in the Trash."},
+        {1, false, true, false, {}},
+        {1, true, false, false, {}},
+        {1, true, true, true,
          "Lumivale couldn't reach its key in the keyring: The keyring refused (-2)."},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.question + (c.banner ? *c.banner : " nothing"));
+        SCOPED_TRACE(c.banner.value_or("nothing"));
         World world;
         world.agree = c.agree;
         world.owner = c.owner;
-        if (c.keyringRefuses) world.keys = std::make_shared<RefusingKey>(*c.keyringRefuses);
+        if (c.keyringRefuses) world.keys = std::make_shared<RefusingKey>(-2);
         AppModel& model =
             world.open({{"a.png", Shelf::ids}, {"b.png", Shelf::ids}, {"c.png", Shelf::ids}});
         model.setSelection(world.shot("a.png"));
-        std::vector<std::string> paths;
-        for (const std::string& name : c.names)
-            paths.push_back(world.shot(name));
+        std::vector<std::string> paths = {world.shot("a.png"), world.shot("b.png")};
+        paths.resize(c.count);
         const std::string bytes = test::readFile(paths[0]);
 
         model.lock(paths);
         EXPECT_EQ(world.questions,
                   (std::vector<Question>{
-                      {c.question,
+                      {c.count == 1 ? "Lock away 1 screenshot?" : "Lock away 2 screenshots?",
                        "Lumivale encrypts them into its locked area, which opens with your "
                        "fingerprint or your account password. The originals go to the Trash; "
                        "empty it to remove them from this computer for good.",
@@ -111,7 +94,7 @@ TEST(AppModelVault, lockingAsksTheOwnerAndSendsTheOriginalsToTheTrash) {
             EXPECT_EQ(model.banner()->isError, !locked);
             EXPECT_FALSE(model.banner()->undo);
         }
-        const size_t count = locked ? c.names.size() : 0;
+        const size_t count = locked ? c.count : 0;
         EXPECT_EQ(model.vaultCount(), static_cast<int64_t>(count));
         EXPECT_EQ(world.trash.names().size(), count);
         for (const std::string& path : paths) {
