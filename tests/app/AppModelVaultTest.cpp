@@ -15,16 +15,6 @@ namespace {
 using test::Question;
 using test::World;
 
-// A keyring that refuses with this code.
-class RefusingKey : public VaultKeySource {
-  public:
-    explicit RefusingKey(int32_t code) : code_(code) {}
-    VaultResult<VaultKey> key() override { return VaultError::keychain(code_); }
-
-  private:
-    int32_t code_;
-};
-
 // Opens a model over these ID screenshots and locks them all.
 AppModel& lockAll(World& world, const std::vector<std::string>& names) {
     std::vector<std::pair<std::string, Shelf>> pictures;
@@ -70,7 +60,7 @@ TEST(AppModelVault, lockingAsksTheOwnerAndSendsTheOriginalsToTheTrash) {
         World world;
         world.agree = c.agree;
         world.owner = c.owner;
-        if (c.keyringRefuses) world.keys = std::make_shared<RefusingKey>(-2);
+        if (c.keyringRefuses) world.keys = std::make_shared<test::RefusingKey>(-2);
         AppModel& model =
             world.open({{"a.png", Shelf::ids}, {"b.png", Shelf::ids}, {"c.png", Shelf::ids}});
         model.setSelection(world.shot("a.png"));

@@ -170,6 +170,16 @@ class FolderTrash {
     std::string folder_;
 };
 
+// A keyring that refuses with this code.
+class RefusingKey : public VaultKeySource {
+  public:
+    explicit RefusingKey(int32_t code) : code_(code) {}
+    VaultResult<VaultKey> key() override { return VaultError::keychain(code_); }
+
+  private:
+    int32_t code_;
+};
+
 // A question the model put to the user.
 struct Question {
     std::string message, detail, button;

@@ -92,12 +92,6 @@ class ChangingKey : public VaultKeySource {
     VaultResult<VaultKey> key() override { return VaultKey::random(); }
 };
 
-// A key store the keyring refuses to give.
-class RefusedKey : public VaultKeySource {
-  public:
-    VaultResult<VaultKey> key() override { return VaultError::keychain(-25300); }
-};
-
 struct Breakage {
     std::string what;
     std::function<void(AppModel::Services&)> apply;
@@ -153,7 +147,7 @@ std::vector<BrokenRun> brokenRuns() {
         {"lockedAreaAndBrokenFile",
          {
              {"the keyring refuses the key",
-              [](AppModel::Services& s) { s.keySource = std::make_shared<RefusedKey>(); },
+              [](AppModel::Services& s) { s.keySource = std::make_shared<test::RefusingKey>(-25300); },
               // nothing is locked, so nothing can be opened or restored
               {30, 31, 32, 33, 35, 44, 45, 46, 47}},
              {"the reader takes a file that is no picture for one",
