@@ -6,20 +6,23 @@
 #include "app/AppModel.h"
 #include "app/Scheduler.h"
 #include "core/Reading.h"
+#include "support/TempDir.h"
 
 #include <QFont>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QPointer>
-
-#include <sys/stat.h>
-
+#include <QSettings>
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <memory>
+#include <ostream>
 #include <set>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 namespace lumivale::test {
@@ -28,13 +31,14 @@ inline void ensureQtApp() {
     static int argc = 1;
     static char name[] = "lumivale-test";
     static char* argv[] = {name, nullptr};
-    static QGuiApplication* app = QGuiApplication::instance() ? nullptr : new QGuiApplication(argc, argv);
+    static QGuiApplication* app =
+        QGuiApplication::instance() ? nullptr : new QGuiApplication(argc, argv);
     (void)app;
 }
 
 // A scheduler whose clock only moves when the test says so.
 class FakeScheduler : public Scheduler {
-public:
+  public:
     struct Entry : Timer {
         std::chrono::milliseconds due;
         std::function<void()> run;
@@ -61,16 +65,14 @@ public:
     void advance(std::chrono::milliseconds by) {
         const auto until = now_ + by;
         for (;;) {
-            auto next = std::min_element(entries_.begin(), entries_.end(), [](const auto& a, const auto& b) {
-                return a->due < b->due;
-            });
-            if (next == entries_.end() || (*next)->due > until)
-                break;
+            auto next =
+                std::min_element(entries_.begin(), entries_.end(),
+                                 [](const auto& a, const auto& b) { return a->due < b->due; });
+            if (next == entries_.end() || (*next)->due > until) break;
             auto entry = *next;
             entries_.erase(next);
             now_ = entry->due;
-            if (!entry->cancelled && entry->context)
-                entry->run();
+            if (!entry->cancelled && entry->context) entry->run();
         }
         now_ = until;
     }
@@ -79,21 +81,21 @@ public:
     std::vector<std::chrono::milliseconds> pending() const {
         std::vector<std::chrono::milliseconds> out;
         for (const auto& e : entries_)
-            if (!e->cancelled)
-                out.push_back(e->due - now_);
+            if (!e->cancelled) out.push_back(e->due - now_);
         return out;
     }
 
     std::chrono::milliseconds now() const { return now_; }
 
-private:
+  private:
     std::chrono::milliseconds now_{0};
     int created_ = 0;
     std::vector<std::shared_ptr<Entry>> entries_;
 };
 
 // Draws dark lines of text on a light picture, big enough to read, and saves it.
-inline void drawPicture(const std::string& path, const std::vector<std::string>& lines, int width = 900) {
+inline void drawPicture(const std::string& path, const std::vector<std::string>& lines,
+                        int width = 900) {
     QImage image(width, 80 + 70 * static_cast<int>(lines.size()), QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
@@ -133,7 +135,7 @@ inline Shot readShotOf(const std::string& path, Shelf guess, std::vector<std::st
 // A Trash of the test's own: files are moved into `folder` (numbered when the name is taken)
 // and the new place is reported; paths in `refused` are turned away with `reason`.
 class FolderTrash {
-public:
+  public:
     explicit FolderTrash(std::string folder) : folder_(std::move(folder)) {}
 
     std::set<std::string> refused;
@@ -151,21 +153,110 @@ public:
 
     Trasher trasher() {
         return [this](const std::string& path) {
-            if (refused.count(path))
-                return TrashOutcome::failure(reason);
+            if (refused.count(path)) return TrashOutcome::failure(reason);
             namespace fs = std::filesystem;
             fs::create_directories(folder_);
             std::string target = folder_ + "/" + fs::path(path).filename().string();
             for (int n = 2; fs::exists(target); ++n)
-                target = folder_ + "/" + std::to_string(n) + " " + fs::path(path).filename().string();
+                target =
+                    folder_ + "/" + std::to_string(n) + " " + fs::path(path).filename().string();
             std::error_code ec;
             fs::rename(path, target, ec);
             return ec ? TrashOutcome::failure(ec.message()) : TrashOutcome::landedAt(target);
         };
     }
 
-private:
+  private:
     std::string folder_;
+};
+
+// A keyring that refuses with this code.
+class RefusingKey : public VaultKeySource {
+  public:
+    explicit RefusingKey(int32_t code) : code_(code) {}
+    VaultResult<VaultKey> key() override { return VaultError::keychain(code_); }
+
+  private:
+    int32_t code_;
+};
+
+// A question the model put to the user.
+struct Question {
+    std::string message, detail, button;
+    bool operator==(const Question&) const = default;
+};
+
+inline std::ostream& operator<<(std::ostream& out, const Question& q) {
+    return out << "{" << q.message << " | " << q.detail << " | " << q.button << "}";
+}
+
+// A model over a temporary tree whose questions, owner check, key, Trash, clock, timers and
+// reader the test holds. Folder watching is off unless a test turns it on.
+class World {
+  public:
+    World() {
+        ensureQtApp();
+        std::filesystem::create_directories(shots());
+        settings.setValue("watchFolders", false);
+    }
+
+    std::string shots() const { return tmp.file("Screenshots"); }
+    std::string shot(const std::string& name) const { return shots() + "/" + name; }
+    std::string archive() const { return tmp.file("Archive"); }
+    std::string vaultDir() const { return tmp.file("data/Locked"); }
+
+    // A model, not yet loaded.
+    AppModel& make() {
+        AppModel::Services s;
+        s.clock = [this] { return clock; };
+        s.scheduler = scheduler;
+        s.confirm = [this](const std::string& m, const std::string& d, const std::string& b) {
+            questions.push_back({m, d, b});
+            return agree;
+        };
+        s.authenticate = [this](const std::string& reason) {
+            reasons.push_back(reason);
+            return owner;
+        };
+        s.keySource = keys;
+        s.trasher = trash.trasher();
+        s.read = read;
+        model = std::make_unique<AppModel>(Paths::at(tmp.file("data"), shots(), archive()),
+                                           settings, s);
+        return *model;
+    }
+
+    // A loaded model whose library holds read records of these pictures, drawn into the
+    // screenshot folder as name → words.
+    AppModel& open(const std::vector<std::pair<std::string, Shelf>>& pictures) {
+        Library library;
+        for (const auto& [name, shelf] : pictures) {
+            drawPicture(shot(name), {name, "words of " + name}, 400);
+            library.put(readShotOf(shot(name), shelf, {name}, clock - std::chrono::hours(24)));
+        }
+        EXPECT_TRUE(library.save(tmp.file("data/library.plist")));
+        make().load();
+        return *model;
+    }
+
+    TempDir tmp;
+    QSettings settings{QString::fromStdString(tmp.file("settings.ini")), QSettings::IniFormat};
+    std::shared_ptr<FakeScheduler> scheduler = std::make_shared<FakeScheduler>();
+    Date clock = now();
+    std::vector<Question> questions;
+    bool agree = true;
+    std::vector<std::string> reasons;
+    bool owner = true;
+    VaultKey key = VaultKey::random();
+    std::shared_ptr<VaultKeySource> keys = std::make_shared<MemoryKey>(key);
+    FolderTrash trash{tmp.file("Trash")};
+    std::atomic<int> reads{0};
+    // Counts what is read and finds no words; empty for the real reader.
+    AppModel::ReadFn read = [this](const std::string&, const std::vector<std::string>&) {
+        ++reads;
+        return Reading{};
+    };
+    std::unique_ptr<AppModel> model;
 };
 
 } // namespace lumivale::test
