@@ -158,7 +158,9 @@ void expectReadAlike(const std::map<std::string, test::Leaf>& other, const std::
             {"reader", "int"},    {"folded", "str"},       {"manual", "str"},
             {"readAt", "date"}};
         for (const auto& [key, type] : types)
-            if (ours.count(p + "|" + key)) EXPECT_EQ(ours.at(p + "|" + key).type, type) << key;
+            if (ours.count(p + "|" + key)) {
+                EXPECT_EQ(ours.at(p + "|" + key).type, type) << key;
+            }
         for (size_t i = 0; i < shot->lines.size(); ++i)
             EXPECT_EQ(ours.at(p + "|lines|" + std::to_string(i)).value, "h,text,w,x,y");
     }

@@ -68,8 +68,12 @@ TEST(Sorter, PicksTheShelfAndItsConfidence) {
         const Verdict v = Sorter::sort(c.lines, {});
         EXPECT_EQ(v.category, c.category);
         EXPECT_NEAR(v.scores.at(c.scored), c.score, 1e-9);
-        if (c.confidence >= 0) EXPECT_NEAR(v.confidence, c.confidence, 1e-12);
-        if (c.category != Shelf::other) EXPECT_NEAR(v.scores.at(c.category), c.score, 1e-9);
+        if (c.confidence >= 0) {
+            EXPECT_NEAR(v.confidence, c.confidence, 1e-12);
+        }
+        if (c.category != Shelf::other) {
+            EXPECT_NEAR(v.scores.at(c.category), c.score, 1e-9);
+        }
     }
 }
 

@@ -94,7 +94,9 @@ TEST(TerminalPasswordPrompt, readsWhatIsTypedWithoutShowingIt) {
         ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
         const auto password = answer.get();
         ASSERT_EQ(password.has_value(), c.expected.has_value());
-        if (password) EXPECT_EQ(password->view(), *c.expected);
+        if (password) {
+            EXPECT_EQ(password->view(), *c.expected);
+        }
         // Only the line end shows; echo is back on afterwards.
         EXPECT_EQ(terminal.shown(), "\r\n");
         EXPECT_TRUE(terminal.echoes());
