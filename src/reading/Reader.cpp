@@ -6,7 +6,6 @@
 #include "reading/ReadingLanguages.h"
 #include "reading/VipsHandles.h"
 
-#include <algorithm>
 #include <exception>
 #include <memory>
 #include <tesseract/baseapi.h>
