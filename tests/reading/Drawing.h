@@ -114,13 +114,10 @@ class Canvas {
         VipsRef<VipsImage> grey(out);
         vips_cast_uchar(out, &out, nullptr);
         VipsRef<VipsImage> bytes(out);
-        size_t size = 0;
-        VipsBuffer data(vips_image_write_to_memory(out, &size));
-        const auto* pixels = static_cast<const uint8_t*>(data.get());
-        return GrayImage{out->Xsize, out->Ysize, std::vector<uint8_t>(pixels, pixels + size)};
+        return pixelsOf(bytes.get()).value();
     }
 
-  private:
+private:
     VipsRef<VipsImage> image_;
 };
 
