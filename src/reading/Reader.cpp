@@ -6,7 +6,6 @@
 #include "reading/ReadingLanguages.h"
 #include "reading/VipsHandles.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
