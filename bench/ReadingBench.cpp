@@ -5,6 +5,8 @@
 //   ReadingBench --baseline FOLDER... runs plain `tesseract FILE -` on each picture, one after
 //                                     another, for comparison
 //   ReadingBench --draw FOLDER        draws screenshot-like pictures and their expected.tsv
+//   ReadingBench --fixtures FOLDER    draws the sixteen made-up screenshots and an expected.tsv
+//                                     of the texts quoted on them
 //   --details                         also prints each picture's recall and missing words
 //
 // The reader reads each folder twice on the same three threads: first with the engines still to
@@ -13,9 +15,13 @@
 // where the folder has an expected.tsv (lines: file name TAB expected line), word recall: the
 // share of expected words, folded, that the text read holds.
 #include "ReadingPictures.h"
+#include "app/Fixtures.h"
+#include "core/PathName.h"
 #include "core/Fold.h"
 #include "reading/Reader.h"
 #include "reading/ReadingLanguages.h"
+
+#include <QGuiApplication>
 
 #include <algorithm>
 #include <atomic>
@@ -233,6 +239,21 @@ std::optional<std::string> readWithTesseract(const std::string& file) {
 
 } // namespace
 
+// Draws the sixteen made-up screenshots into `folder` with an expected.tsv of the texts quoted
+// on them; false on a failure.
+bool drawFixtures(const std::string& folder, int argc, char** argv) {
+    setenv("QT_QPA_PLATFORM", "offscreen", 0);
+    QGuiApplication app(argc, argv);
+    const Fixtures::WriteResult written = Fixtures::write(Fixtures::all(), folder, now());
+    if (!written.status)
+        return false;
+    std::ofstream expected(folder + "/expected.tsv");
+    for (const Fixtures::Written& file : written.files)
+        for (const std::string& text : Fixtures::quotedTexts(file.fixture.kind))
+            expected << lastComponent(file.path) << '\t' << text << '\n';
+    return bool(expected.flush());
+}
+
 int main(int argc, char** argv) {
     Reader::startWithOneRecognitionThread(argv);
     std::vector<std::string> args(argv + 1, argv + argc);
@@ -240,11 +261,13 @@ int main(int argc, char** argv) {
         details = true;
         args.erase(flag);
     }
-    if (args.empty() || (args[0] == "--draw" && args.size() != 2)) {
-        std::fprintf(stderr,
-                     "usage: ReadingBench [--baseline] [--details] FOLDER... | --draw FOLDER\n");
+    if (args.empty() || ((args[0] == "--draw" || args[0] == "--fixtures") && args.size() != 2)) {
+        std::fprintf(stderr, "usage: ReadingBench [--baseline] [--details] FOLDER... | --draw FOLDER | "
+                             "--fixtures FOLDER\n");
         return 2;
     }
+    if (args[0] == "--fixtures")
+        return drawFixtures(args[1], argc, argv) ? 0 : 1;
     if (args[0] == "--draw") {
         if (VIPS_INIT(argv[0]) || !bench::drawPictures(args[1])) {
             std::fprintf(stderr, "ReadingBench: cannot draw the pictures into %s\n",

@@ -68,6 +68,9 @@ AppModel::AppModel(Paths paths, QSettings& settings, Services services, QObject*
     lockAfterMinutes_ = Settings::integer(settings_, Settings::lockAfterMinutes).value_or(5);
     listPool_.setMaxThreadCount(1);
     readPool_.setMaxThreadCount(maxReadings);
+    // Each reading thread keeps its recognition engine, which takes a while to load; the threads
+    // are kept too, instead of ending after half a minute without work.
+    readPool_.setExpiryTimeout(-1);
     // One writer at a time, in order, so an older save never lands after a newer one.
     savePool_.setMaxThreadCount(1);
     connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, [this] { soon(); });
