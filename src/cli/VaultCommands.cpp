@@ -24,11 +24,16 @@ bool open(AppModel& model) {
     return false;
 }
 
-const LockedShot* findItem(const AppModel& model, const std::string& id) {
+// Opens the locked area and gives a copy of the item with this id; nothing (after saying why)
+// when the area stays shut or holds no such item.
+std::optional<LockedShot> openAndFind(AppModel& model, const std::string& id) {
+    if (!open(model))
+        return std::nullopt;
     for (const LockedShot& item : model.lockedItems())
         if (item.id == id)
-            return &item;
-    return nullptr;
+            return item;
+    printError("nothing locked has the id " + id);
+    return std::nullopt;
 }
 
 int lock(std::vector<std::string> args) {
@@ -85,16 +90,11 @@ int restore(std::vector<std::string> args) {
         return usageError("usage: lumivale restore ID [--to DIR]");
     Session session;
     AppModel& model = session.model();
-    if (!open(model))
+    const std::optional<LockedShot> item = openAndFind(model, args[0]);
+    if (!item)
         return Exit::failed;
-    const LockedShot* item = findItem(model, args[0]);
-    if (!item) {
-        printError("nothing locked has the id " + args[0]);
-        return Exit::failed;
-    }
     const std::string folder = to.empty() ? std::string(item->shot.folder()) : absolutePathOf(to.back());
-    const LockedShot chosen = *item;
-    model.restore(chosen, folder);
+    model.restore(*item, folder);
     return saveAndSay(model);
 }
 
@@ -104,17 +104,12 @@ int discard(std::vector<std::string> args) {
         return usageError("usage: lumivale discard ID [--yes]");
     Session session(yes);
     AppModel& model = session.model();
-    if (!open(model))
+    const std::optional<LockedShot> item = openAndFind(model, args[0]);
+    if (!item)
         return Exit::failed;
-    const LockedShot* item = findItem(model, args[0]);
-    if (!item) {
-        printError("nothing locked has the id " + args[0]);
-        return Exit::failed;
-    }
-    const LockedShot chosen = *item;
-    if (!model.discard(chosen))
+    if (!model.discard(*item))
         return model.banner() ? saveAndSay(model) : Exit::failed;
-    std::cout << "Moved the locked file of \u201c" << chosen.shot.name() << "\u201d to the Trash.\n";
+    std::cout << "Moved the locked file of \u201c" << item->shot.name() << "\u201d to the Trash.\n";
     return Exit::done;
 }
 

@@ -5,11 +5,7 @@
 set -euo pipefail
 lumivale="$1"
 py=/usr/bin/python3
-home="$(mktemp -d)"
-trap 'rm -rf "$home"' EXIT
-export HOME="$home" XDG_CONFIG_HOME="$home/.config" XDG_DATA_HOME="$home/.local/share"
-export LUMIVALE_DATA_DIR="$home/data"
-unset XDG_CURRENT_DESKTOP
+. "$(dirname "$0")/../support/temp-home.sh"
 shots="$home/Pictures/Screenshots"
 mkdir -p "$shots/Older"
 

@@ -3,10 +3,7 @@
 # (trash-cli), and its own undo brings a file back out of the Trash.
 set -euo pipefail
 lumivale="$1"
-home="$(mktemp -d)"
-trap 'rm -rf "$home"' EXIT
-export HOME="$home" XDG_CONFIG_HOME="$home/.config" XDG_DATA_HOME="$home/.local/share"
-export LUMIVALE_DATA_DIR="$home/data"
+. "$(dirname "$0")/../support/temp-home.sh"
 shots="$home/Pictures/Screenshots"
 mkdir -p "$shots"
 name='Screenshot 100% café.png'
