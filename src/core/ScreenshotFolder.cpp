@@ -1,18 +1,12 @@
 #include "core/ScreenshotFolder.h"
 
+#include "core/Characters.h"
+
 #include <filesystem>
 #include <sys/stat.h>
 
 namespace lumivale::ScreenshotFolder {
 namespace {
-
-constexpr std::string_view whiteSpace = " \t\n\r\v\f";
-
-std::string_view trimmed(std::string_view s) {
-    const size_t first = s.find_first_not_of(whiteSpace);
-    if (first == std::string_view::npos) return {};
-    return s.substr(first, s.find_last_not_of(whiteSpace) - first + 1);
-}
 
 int hexDigit(char c) {
     if (c >= '0' && c <= '9') return c - '0';

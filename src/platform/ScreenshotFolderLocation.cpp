@@ -5,6 +5,7 @@
 #include <gio/gio.h>
 // clang-format on
 
+#include "core/Characters.h"
 #include "core/ScreenshotFolder.h"
 #include "core/UserDirs.h"
 #include "platform/UserFolders.h"
@@ -18,14 +19,6 @@
 
 namespace lumivale::ScreenshotFolder {
 namespace {
-
-constexpr std::string_view blanks = " \t\r";
-
-std::string_view trimmed(std::string_view s) {
-    const size_t first = s.find_first_not_of(blanks);
-    if (first == std::string_view::npos) return {};
-    return s.substr(first, s.find_last_not_of(blanks) - first + 1);
-}
 
 std::string fileText(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
