@@ -67,7 +67,7 @@ Library buildLibrary(int count) {
     std::mt19937 random(42);
     const Date base = now();
     Library library;
-    library.shots.reserve(count);
+    library.reserve(count);
     for (int i = 0; i < count; ++i) {
         Shot shot("/home/me/Pictures/Screenshots/Screenshot 2024-03-05 at 10.11." +
                       std::to_string(i) + ".png",
@@ -100,7 +100,7 @@ int loadOnly(const std::string& file) {
         std::fprintf(stderr, "could not load %s\n", file.c_str());
         return 1;
     }
-    std::printf("%.3f %.3f %zu %lld\n", wall, cpu, library->shots.size(), peakMemory());
+    std::printf("%.3f %.3f %zu %lld\n", wall, cpu, library->size(), peakMemory());
     return 0;
 }
 

@@ -34,7 +34,7 @@ inline Library syntheticLibrary(int count, unsigned seed = 42) {
     std::mt19937 random(seed);
     const Date base = now();
     Library library;
-    library.shots.reserve(static_cast<size_t>(count));
+    library.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) {
         const Date when = base - std::chrono::seconds(i * 37);
         Shot shot("/home/me/Pictures/Screenshots/Screenshot " + std::to_string(i) + ".png",

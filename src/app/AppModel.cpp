@@ -212,11 +212,11 @@ std::vector<ShotPtr> AppModel::shots(const Place& place) const {
     std::vector<ShotPtr> out;
     const Date cutoff = now() - week;
     const std::string prefix = place.folder + "/";
-    for (const auto& [path, shot] : library_.shots) {
+    for (const ShotPtr& shot : library_.all()) {
         bool in = false;
         switch (place.kind) {
         case Place::Kind::shelf: in = shot->isRead() && shot->category() == place.shelf; break;
-        case Place::Kind::folder: in = path.compare(0, prefix.size(), prefix) == 0; break;
+        case Place::Kind::folder: in = shot->path.starts_with(prefix); break;
         case Place::Kind::privateOnes: in = shot->isRead() && shot->isSensitive(); break;
         case Place::Kind::recent: in = shot->date() >= cutoff; break;
         case Place::Kind::overview:
@@ -230,8 +230,13 @@ std::vector<ShotPtr> AppModel::shots(const Place& place) const {
 }
 
 std::vector<ShotPtr> AppModel::visible() const {
-    const Place place = place_.kind == Place::Kind::overview ? Place::of(Place::Kind::all) : place_;
-    return SearchQuery(query_).rank(shots(place));
+    const SearchQuery query(query_);
+    switch (place_.kind) {
+    case Place::Kind::overview:
+    case Place::Kind::all:
+    case Place::Kind::locked: return query.rank(library_.all()); // no copy of the whole list
+    default: return query.rank(shots(place_));
+    }
 }
 
 const Shot* AppModel::selected() const { return selection_ ? library_.find(*selection_) : nullptr; }

@@ -114,7 +114,7 @@ public:
     void waitForSaves();
 
     // --- derived values ----------------------------------------------------------------------
-    std::vector<ShotPtr> all() const { return library_.all(); }
+    const std::vector<ShotPtr>& all() const { return library_.all(); }
     std::vector<ShotPtr> shots(const Place& place) const;
     // The shots of the current place, ranked and filtered by the query.
     std::vector<ShotPtr> visible() const;

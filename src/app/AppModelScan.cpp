@@ -100,9 +100,9 @@ void AppModel::merge(const std::vector<ScanResult>& results) {
         if (result.readable)
             continue;
         const std::string prefix = result.source.path + "/";
-        for (const auto& [path, shot] : library_.shots)
-            if (path.compare(0, prefix.size(), prefix) == 0)
-                keep.insert(path);
+        for (const ShotPtr& shot : library_.all())
+            if (shot->path.starts_with(prefix))
+                keep.insert(shot->path);
     }
     library_.prune(keep);
     if (selection_ && !library_.find(*selection_))
@@ -123,7 +123,7 @@ void AppModel::readWaiting() {
     if (reading_)
         return;
     std::vector<ShotPtr> waiting;
-    for (const auto& [path, shot] : library_.shots)
+    for (const ShotPtr& shot : library_.all())
         if (!shot->isRead() || shot->reader < readerVersion)
             waiting.push_back(shot);
     if (waiting.empty()) {

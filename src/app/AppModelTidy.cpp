@@ -43,7 +43,7 @@ std::optional<TidyResult> AppModel::trash(const std::vector<std::string>& paths)
         return std::nullopt;
     TidyResult result = Tidy::trash(paths, now(), services_.trasher);
     for (const Move& move : result.journal.entries)
-        library_.shots.erase(move.from);
+        library_.remove(move.from);
     journals_.add(result.journal);
     if (selection_ && !library_.find(*selection_))
         setSelection(std::nullopt);

@@ -68,7 +68,7 @@ void AppModel::lock(const std::vector<std::string>& paths) {
     // screenshot back out beside its locked copy.
     const TidyResult trashed = Tidy::trash(locked, now(), services_.trasher);
     for (const Move& move : trashed.journal.entries)
-        library_.shots.erase(move.from);
+        library_.remove(move.from);
     if (selection_ && !library_.find(*selection_))
         setSelection(std::nullopt);
     emit libraryChanged();

@@ -168,8 +168,8 @@ class Run {
         checks.check(wrong.empty(), "each lands on the right shelf, IDs marked private" + wrong);
 
         const auto flagged =
-            std::count_if(model().library().shots.begin(), model().library().shots.end(),
-                          [](const auto& e) { return !e.second->flags.empty(); });
+            std::count_if(model().library().all().begin(), model().library().all().end(),
+                          [](const ShotPtr& s) { return !s->flags.empty(); });
         checks.check(flagged == 2, "two private screenshots (" + count(flagged) + ")");
 
         model().waitForSaves();
@@ -425,10 +425,10 @@ class Run {
         writeAtomically(paths().libraryFile(), "junk");
         AppModel fresh2(paths(), settings_, services_);
         fresh2.load();
-        const bool empty = fresh2.library().shots.empty() && !Library::load(paths().libraryFile());
+        const bool empty = fresh2.library().empty() && !Library::load(paths().libraryFile());
         fresh2.rescan();
         fresh2.waitUntilIdle();
-        checks.check(empty && !fresh2.library().shots.empty(), "a damaged library file is ignored");
+        checks.check(empty && !fresh2.library().empty(), "a damaged library file is ignored");
     }
 
     void opening() {

@@ -105,7 +105,7 @@ std::optional<Library> Library::load(const std::string& file) {
     Library library;
     library.extraFolders = std::move(*extraFolders);
     library.skippedFolders = std::move(*skippedFolders);
-    library.shots.reserve(shots->size());
+    library.reserve(shots->size());
     for (size_t i = 0; i < shots->size(); ++i) {
         auto shot = readShot(*doc, shots->valueAt(i));
         // A shot filed under another path than its own means the file was not written by this
@@ -113,8 +113,7 @@ std::optional<Library> Library::load(const std::string& file) {
         if (!shot || !doc->keyEquals(shots->keyAt(i), shot->path)) return std::nullopt;
         // A path can come twice when two file names differ only in bytes that are not UTF-8,
         // which the file keeps as U+FFFD: the first stays.
-        std::string key = shot->path;
-        library.shots.try_emplace(std::move(key), std::make_shared<const Shot>(std::move(*shot)));
+        library.add(std::make_shared<const Shot>(std::move(*shot)));
         // The file is given back as it is decoded, so memory holds the shots and not the
         // file as well.
         if (i % kShotsPerRelease == kShotsPerRelease - 1) mapped->release();

@@ -71,7 +71,7 @@ TEST(AppModelTest, scanFindsReadsAndForgetsFilesWithTheRealReader) {
     scan(model);
     EXPECT_EQ(model.library().find(world.shot("pass.png")), nullptr);
     model.saveNow();
-    EXPECT_EQ(Library::load(model.paths().libraryFile())->shots.size(), 1u);
+    EXPECT_EQ(Library::load(model.paths().libraryFile())->size(), 1u);
 }
 
 TEST(AppModelTest, shotsOfAnOlderReaderAreReadAgainAndBrokenFilesAreMarkedOnce) {
@@ -150,7 +150,7 @@ TEST(AppModelTest, readsAtMostThreeAtOnceAndSavesEveryTwentyFiveAndAtTheEnd) {
     QObject::connect(&model, &AppModel::saved, [&](bool ok) {
         EXPECT_TRUE(ok);
         int64_t read = 0;
-        for (const auto& [path, s] : model.library().shots)
+        for (const ShotPtr& s : model.library().all())
             read += s->isRead();
         savedAfter.push_back(read);
     });
@@ -255,7 +255,7 @@ TEST(AppModelTest, setShelfByHandAndBackToAutomatic) {
         EXPECT_EQ(model.library().find(a)->manual, c.manual);
     }
     model.setShelf(world.shot("missing.png"), Shelf::ids); // nothing there: nothing happens
-    EXPECT_EQ(model.library().shots.size(), 1u);
+    EXPECT_EQ(model.library().size(), 1u);
 }
 
 TEST(AppModelTest, bannersKeepTheirFullTimeAndRevealsEndAfterThirtySeconds) {

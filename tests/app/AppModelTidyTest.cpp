@@ -55,7 +55,7 @@ TEST(AppModelTidy, filedScreenshotsKeepTheirReadingsUnderTheirNewPaths) {
     model.rescan();
     model.waitUntilIdle();
     EXPECT_EQ(world.reads, 0);
-    EXPECT_EQ(model.library().shots.size(), 2u);
+    EXPECT_EQ(model.library().size(), 2u);
     model.waitForSaves();
     EXPECT_EQ(JournalBook::load(model.paths().journalFile()).entries.size(), 1u);
     EXPECT_TRUE(Library::load(model.paths().libraryFile())->find(plan.moves[0].to));

@@ -97,7 +97,7 @@ TEST(AppModelVault, lockingAsksTheOwnerAndSendsTheOriginalsToTheTrash) {
         if (!locked) continue;
         EXPECT_EQ(test::readFile(world.trash.folder() + "/a.png"), bytes);
         model.waitForSaves();
-        EXPECT_EQ(Library::load(model.paths().libraryFile())->shots.size(), 3 - count);
+        EXPECT_EQ(Library::load(model.paths().libraryFile())->size(), 3 - count);
         const Vault::Listing listing = Vault(world.vaultDir()).list(world.key);
         EXPECT_EQ(listing.items.size(), count);
         EXPECT_EQ(listing.unreadable, 0);

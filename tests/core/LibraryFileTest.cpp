@@ -61,8 +61,9 @@ void expectSameLibrary(const std::optional<Library>& got, const Library& want) {
     ASSERT_TRUE(got);
     EXPECT_EQ(got->extraFolders, want.extraFolders);
     EXPECT_EQ(got->skippedFolders, want.skippedFolders);
-    ASSERT_EQ(got->shots.size(), want.shots.size());
-    for (const auto& [path, shot] : want.shots) {
+    ASSERT_EQ(got->size(), want.size());
+    for (const ShotPtr& shot : want.all()) {
+        const std::string& path = shot->path;
         ASSERT_TRUE(got->find(path)) << path;
         EXPECT_EQ(*got->find(path), *shot) << path;
     }
@@ -76,8 +77,8 @@ TEST(LibraryFileTest, SavesAndLoadsEveryFieldTheSameWayEachTime) {
     expectSameLibrary(Library::load(file), library);
 
     Library reordered;
-    for (const ShotPtr& shot : library.all())
-        reordered.shots.emplace(shot->path, shot);
+    for (auto shot = library.all().rbegin(); shot != library.all().rend(); ++shot)
+        reordered.add(*shot);
     reordered.extraFolders = library.extraFolders;
     reordered.skippedFolders = library.skippedFolders;
     ASSERT_TRUE(reordered.save(dir.file("again.plist")));
@@ -119,7 +120,7 @@ TEST(LibraryFileTest, PathsThatAreNotUtf8AreKeptWithReplacementCharacters) {
     ASSERT_TRUE(library.save(dir.file("library.plist")));
     const auto loaded = Library::load(dir.file("library.plist"));
     ASSERT_TRUE(loaded);
-    EXPECT_EQ(loaded->shots.size(), 2u);
+    EXPECT_EQ(loaded->size(), 2u);
     EXPECT_TRUE(loaded->find("/home/me/caf\uFFFD.png"));
     EXPECT_TRUE(loaded->find("/home/me/ok.png"));
 }
@@ -143,7 +144,8 @@ void expectReadAlike(const std::map<std::string, test::Leaf>& other, const std::
     EXPECT_EQ(ours.at("").value, "extraFolders,shots,skippedFolders,version");
     EXPECT_EQ(ours.at("|version").value, "1");
     EXPECT_EQ(ours.at("|extraFolders|1").value, test::hexOf(library.extraFolders[1]));
-    for (const auto& [path, shot] : library.shots) {
+    for (const ShotPtr& shot : library.all()) {
+        const std::string& path = shot->path;
         SCOPED_TRACE(path);
         const std::string p = "|shots|" + path;
         EXPECT_EQ(ours.at(p).value,

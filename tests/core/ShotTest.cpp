@@ -4,7 +4,11 @@
 
 #include <chrono>
 #include <gtest/gtest.h>
+#include <map>
+#include <random>
+#include <set>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace lumivale {
@@ -139,7 +143,7 @@ TEST(ShotTest, LibraryMovesAShotWithEverythingItKnows) {
     library.move("/p/Screenshot 1.png", "/p/b.png");
     library.move("/p/b.png", "/archive/Tickets/Flight to Delhi.png");
 
-    ASSERT_EQ(library.shots.size(), 1u);
+    ASSERT_EQ(library.size(), 1u);
     const Shot* moved = library.find("/archive/Tickets/Flight to Delhi.png");
     ASSERT_NE(moved, nullptr);
     EXPECT_EQ(*moved, readShot("/archive/Tickets/Flight to Delhi.png", {"Boarding pass"}));
@@ -149,14 +153,61 @@ TEST(ShotTest, LibraryMovesAShotWithEverythingItKnows) {
 TEST(ShotTest, LibraryUpdatesACopy) {
     Library library;
     library.put(readShot("/p/a.png", {"x"}));
-    const ShotPtr before = library.shots.at("/p/a.png");
+    const ShotPtr before = library.all().at(0);
     EXPECT_TRUE(library.update("/p/a.png", [](Shot& shot) { shot.manual = Shelf::maps; }));
     EXPECT_EQ(library.find("/p/a.png")->manual, Shelf::maps);
     EXPECT_EQ(before->manual, Shelf::tickets) << "a shot someone still holds never changes";
     EXPECT_FALSE(library.update("/p/none.png", [](Shot& shot) { shot.manual = Shelf::maps; }));
 
     EXPECT_EQ(library.prune({"/p/zzz.png"}), 1);
-    EXPECT_TRUE(library.shots.empty());
+    EXPECT_TRUE(library.empty());
+}
+
+// Removing swaps the last shot into the hole and pruning closes ranks: after any mix of changes
+// every path must still lead to its own shot, and the list must hold each shot once.
+TEST(ShotTest, LibraryFindsEveryShotAfterAnyMixOfChanges) {
+    Library library;
+    std::map<std::string, std::string> expected; // path -> its one line
+    std::mt19937 random(7);
+    const auto path = [&] { return "/p/" + std::to_string(random() % 40) + ".png"; };
+    for (int step = 0; step < 2000; ++step) {
+        const std::string p = path();
+        const std::string line = "v" + std::to_string(step);
+        switch (random() % 6) {
+        case 0:
+        case 1: library.put(readShot(p, {line})), expected[p] = line; break;
+        case 2: EXPECT_EQ(library.remove(p), expected.erase(p) == 1); break;
+        case 3:
+            EXPECT_EQ(library.update(p, [&](Shot& s) { s.setLines(linesOf({line})); }),
+                      expected.count(p) == 1);
+            if (expected.count(p)) expected[p] = line;
+            break;
+        case 4:
+            if (const std::string to = path(); expected.count(p) && !expected.count(to)) {
+                library.move(p, to);
+                expected[to] = expected[p];
+                expected.erase(p);
+            }
+            break;
+        case 5: {
+            std::unordered_set<std::string> keeping;
+            for (const auto& [kept, text] : expected)
+                if (random() % 4) keeping.insert(kept);
+            std::erase_if(expected, [&](const auto& e) { return !keeping.count(e.first); });
+            library.prune(keeping);
+        }
+        }
+        ASSERT_EQ(library.size(), expected.size()) << "step " << step;
+    }
+    std::set<std::string> listed;
+    for (const ShotPtr& shot : library.all())
+        listed.insert(shot->path);
+    EXPECT_EQ(listed.size(), expected.size());
+    for (const auto& [p, line] : expected) {
+        ASSERT_TRUE(library.find(p)) << p;
+        EXPECT_EQ(library.find(p)->path, p);
+        EXPECT_EQ(library.find(p)->text(), line);
+    }
 }
 
 TEST(ShotTest, LibraryUpdateKeepsTheKeyAndThePathAgreeing) {
