@@ -1,5 +1,8 @@
 #include "core/Fold.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
@@ -60,15 +63,36 @@ bool numericStartsAt(std::string_view s, size_t start) {
     return isNumeric(c);
 }
 
-// The length in bytes of the digit-group separator starting at `at` (comma, space, no-break
-// space U+00A0, narrow no-break space U+202F), or 0. None of their bytes can be inside
-// another character, so any byte may be tested.
-size_t separatorLength(std::string_view s, size_t at) {
-    const std::string_view rest = s.substr(at);
-    if (rest[0] == ',' || rest[0] == ' ') return 1;
-    if (rest.starts_with("\u00A0")) return 2;
-    if (rest.starts_with("\u202F")) return 3;
-    return 0;
+// The length in bytes of the separator at `at` if squashing drops it, else 0: a comma, space,
+// no-break space U+00A0 or narrow no-break space U+202F with numbers on both sides. None of
+// the separators' bytes can be inside another character, so any byte may be tested; the first
+// test turns most of them away.
+size_t droppedSeparatorAt(std::string_view s, size_t at) {
+    const auto b = static_cast<unsigned char>(s[at]);
+    if (b != ',' && b != ' ' && b != 0xC2 && b != 0xE2) return 0;
+    size_t length = 0;
+    if (b == ',' || b == ' ')
+        length = 1;
+    else if (s.substr(at).starts_with("\u00A0"))
+        length = 2;
+    else if (s.substr(at).starts_with("\u202F"))
+        length = 3;
+    return length && numericEndsAt(s, at) && numericStartsAt(s, at + length) ? length : 0;
+}
+
+// How many bytes the two texts share at their starts, compared eight at a time.
+size_t commonStart(std::string_view a, std::string_view b) {
+    const size_t size = std::min(a.size(), b.size());
+    size_t at = 0;
+    for (; at + 8 <= size; at += 8) {
+        uint64_t x, y;
+        std::memcpy(&x, a.data() + at, 8);
+        std::memcpy(&y, b.data() + at, 8);
+        if (x != y) return at + static_cast<size_t>(__builtin_ctzll(x ^ y) / 8);
+    }
+    while (at < size && a[at] == b[at])
+        ++at;
+    return at;
 }
 
 } // namespace
@@ -121,8 +145,7 @@ std::string squash(std::string_view s) {
     std::string out;
     size_t kept = 0; // s before this is in out, or dropped
     for (size_t at = 0; at < s.size(); ++at) {
-        const size_t length = separatorLength(s, at);
-        if (length && numericEndsAt(s, at) && numericStartsAt(s, at + length)) {
+        if (const size_t length = droppedSeparatorAt(s, at)) {
             out.append(s.substr(kept, at - kept));
             kept = at + length;
             at = kept - 1;
@@ -131,6 +154,22 @@ std::string squash(std::string_view s) {
     if (kept == 0) return std::string(s);
     out.append(s.substr(kept));
     return out;
+}
+
+// Where the two part, the byte of `s` must be a separator that squashing drops. Keeping such a
+// byte where `copy` has it too is always right: the numbers on both sides of a dropped one
+// cannot stand where a separator does.
+bool isSquashedInPart(std::string_view copy, std::string_view s) {
+    size_t at = 0, copyAt = 0;
+    for (;;) {
+        const size_t same = commonStart(s.substr(at), copy.substr(copyAt));
+        at += same;
+        copyAt += same;
+        if (at == s.size()) return copyAt == copy.size();
+        const size_t dropped = droppedSeparatorAt(s, at);
+        if (!dropped) return false;
+        at += dropped;
+    }
 }
 
 bool hasNumeric(std::string_view s) {

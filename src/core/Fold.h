@@ -13,6 +13,9 @@ std::string foldText(std::string_view s);
 // The text with digit-group separators (comma, space, no-break spaces) dropped where a
 // number stands on both sides: "1,25,000" → "125000"; "a, b" is kept.
 std::string squash(std::string_view s);
+// Whether `copy` is `s` with some or all of the separators that squashing drops left out (so
+// words without numbers occur in both alike), told without building anything.
+bool isSquashedInPart(std::string_view copy, std::string_view s);
 
 // Whether the text holds a numeric character (a digit in any script, a fraction, a numeral):
 // without one, squashing leaves text as it is.

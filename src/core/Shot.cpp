@@ -56,7 +56,7 @@ void Shot::locateSearchParts() {
             middle = text.find('\n', middle + 1);
         const std::string_view plain = text.substr(0, middle);
         const std::string_view copy = text.substr(middle + 1);
-        if (copy.size() < plain.size() && squash(plain) == copy) squashedAt = middle + 1;
+        if (copy.size() < plain.size() && isSquashedInPart(copy, plain)) squashedAt = middle + 1;
     }
     const std::string_view plain = squashedAt ? text.substr(0, squashedAt - 1) : text;
     const std::string_view fileName = name();

@@ -69,6 +69,7 @@ TEST(FoldTest, DropsSeparatorsBetweenDigitsOnly) {
         {"grouping comma", "1,250", "1250"},
         {"grouping space", "1 250", "1250"},
         {"Indian grouping", "1,25,000", "125000"},
+        {"no-break space", "1\u00A0250", "1250"},
         {"narrow no-break space", "1\u202F250", "1250"},
         {"digit on one side only", "12, 34x", "12, 34x"},
         {"two separators in a row", "1,,2 3 ,4", "1,,23 ,4"},
@@ -82,6 +83,30 @@ TEST(FoldTest, DropsSeparatorsBetweenDigitsOnly) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         EXPECT_EQ(squash(c.input), c.expected);
+        EXPECT_TRUE(isSquashedInPart(c.expected, c.input));
+        EXPECT_TRUE(isSquashedInPart(c.input, c.input));
+        EXPECT_FALSE(isSquashedInPart(c.expected + "0", c.input));
+        EXPECT_FALSE(isSquashedInPart(c.expected.substr(1), c.input));
+        EXPECT_FALSE(isSquashedInPart(c.expected.substr(0, c.expected.size() - 1), c.input));
+    }
+}
+
+// Where a text keeps some of its grouped numbers as they were: words read the same either way.
+TEST(FoldTest, TellsATextSquashedInPart) {
+    const struct {
+        std::string copy, text;
+        bool inPart;
+    } cases[] = {
+        {"1250 2,500", "1,250 2,500", true},
+        {"1,250 2500", "1,250 2,500", true},
+        {"a b", "a, b", false},              // no numbers beside the comma
+        {"1\u00A0250", "1\u202F250", false}, // another separator
+        {"1,2", "1 2", false},
+        {"1250\n2 500", "1 250\n2 500", true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.copy);
+        EXPECT_EQ(isSquashedInPart(c.copy, c.text), c.inPart);
     }
 }
 

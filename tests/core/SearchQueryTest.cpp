@@ -213,9 +213,14 @@ TEST(SearchQueryTest, RanksManyShotsAsTheRuleSays) {
         Shot shot("/p/" + text(2) + ".png", 1, dateFromSeconds(random() % 50), Date{});
         shot.modified = shot.created;
         shot.setLines({{text(6)}, {text(6)}});
-        if (i % 10 == 0) { // written by another program: text that is not the lines'
+        if (i % 10 == 0) { // written by another program: a text that is not the lines', with
+                           // its copy squashed in whole, in part, or missing
             const std::string plain = text(8) + "\n" + foldText(shot.name());
-            shot.folded = plain + (i % 20 ? "\n" + squash(plain) : "");
+            const size_t feed = plain.find('\n');
+            const std::string copies[] = {"\n" + squash(plain),
+                                          "\n" + squash(plain.substr(0, feed)) + plain.substr(feed),
+                                          ""};
+            shot.folded = plain + copies[i / 10 % 3];
             shot.locateSearchParts();
         }
         shots.push_back(std::make_shared<const Shot>(std::move(shot)));
