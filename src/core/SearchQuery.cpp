@@ -68,25 +68,25 @@ bool plainTextSuffices(std::string_view term) {
     return term != "," && term.find('\n') == none && !hasNumeric(term);
 }
 
+struct Term {
+    std::string_view text;
+    std::string afterFeed; // the term starting a line
+    bool plainOnly;
+
+    explicit Term(std::string_view term)
+        : text(term), afterFeed("\n" + std::string(term)), plainOnly(plainTextSuffices(term)) {}
+};
+
 // What one term adds to the score of a shot whose searched text holds it first at `first`,
 // each occurrence standing for `copies`.
-int termScore(std::string_view text, std::string_view name, std::string_view term, size_t first,
+int termScore(std::string_view text, std::string_view name, const Term& term, size_t first,
               int copies) {
     int occurrences = 0;
-    bool startsLine = false;
-    for (size_t at = first; at != none; at = findText(text, term, at + term.size())) {
+    for (size_t at = first; at != none && occurrences < occurrenceCap;
+         at = findText(text, term.text, at + term.text.size()))
         occurrences = std::min(occurrences + copies, occurrenceCap);
-        startsLine = startsLine || at == 0 || text[at - 1] == '\n';
-        if (occurrences == occurrenceCap && startsLine) break;
-    }
-    // Counting steps over whole occurrences, so it never sees one that overlaps the one before;
-    // only a term that holds a line feed can start a line in such a place.
-    if (!startsLine && term.find('\n') != none) {
-        std::string afterFeed(1, '\n');
-        afterFeed += term;
-        startsLine = text.starts_with(term) || text.find(afterFeed) != none;
-    }
-    return occurrences + (startsLine ? 2 : 0) + (findText(name, term) != none ? 1 : 0);
+    const bool startsLine = text.starts_with(term.text) || findText(text, term.afterFeed) != none;
+    return occurrences + (startsLine ? 2 : 0) + (findText(name, term.text) != none ? 1 : 0);
 }
 
 // Below this many shots a second thread costs more than it saves.
@@ -102,11 +102,6 @@ struct Ranked {
         if (date != o.date) return date > o.date;
         return at < o.at;
     }
-};
-
-struct Term {
-    std::string_view text;
-    bool plainOnly;
 };
 
 // The matching shots, scored. `order` lists the terms longest first: a longer term is likelier
@@ -134,7 +129,7 @@ std::vector<Ranked> scoreMatches(std::span<const ShotPtr> shots, size_t offset,
             const std::string_view name = foldedName(shot, nameScratch);
             for (size_t t = 0; t < terms.size(); ++t) {
                 const bool plainOnly = terms[t].plainOnly && shot.squashedAt;
-                score += termScore(searchedText(shot, plainOnly), name, terms[t].text, firsts[t],
+                score += termScore(searchedText(shot, plainOnly), name, terms[t], firsts[t],
                                    plainOnly ? 2 : 1);
             }
         }
@@ -190,9 +185,7 @@ std::vector<size_t> SearchQuery::hitLines(const Shot& shot) const {
 }
 
 std::vector<ShotPtr> SearchQuery::rank(const std::vector<ShotPtr>& shots) const {
-    std::vector<Term> looked;
-    for (const std::string& term : terms)
-        looked.push_back({term, plainTextSuffices(term)});
+    const std::vector<Term> looked(terms.begin(), terms.end());
     std::vector<size_t> order(terms.size());
     std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(),
