@@ -1,17 +1,16 @@
 #include "core/Library.h"
 #include "core/Plist.h"
+#include "support/HandmadePlist.h"
 #include "support/PlistInterop.h"
 #include "support/TempDir.h"
 
 #include <algorithm>
-#include <functional>
 #include <gtest/gtest.h>
 #include <random>
 #include <sys/stat.h>
 
 using namespace lumivale;
 using namespace std::chrono;
-using plist::Ref;
 
 namespace {
 
@@ -205,59 +204,7 @@ with open(sys.argv[2], "wb") as f:
     expectSameLibrary(Library::load(dir.file("python.plist")), library);
 }
 
-// A hand-made library file, so tests can leave keys out, mistype them or point them anywhere.
-// Every object goes through `note`, so the builder knows the number the next object will get.
-struct Builder {
-    plist::Writer writer;
-    Ref newest = 0;
-    Ref note(Ref r) { return newest = std::max(newest, r), r; }
-};
-// Writes one value; an empty Put stands for the container that holds it.
-using Put = std::function<Ref(Builder&)>;
-using Entries = std::vector<std::pair<std::string, Put>>;
-
-template <class T> Put value(T v) {
-    return [v](Builder& b) {
-        if constexpr (std::is_same_v<T, bool>)
-            return b.note(b.writer.boolean(v));
-        else if constexpr (std::is_same_v<T, double>)
-            return b.note(b.writer.real(v));
-        else if constexpr (std::is_same_v<T, Date>)
-            return b.note(b.writer.date(v));
-        else if constexpr (std::is_integral_v<T>)
-            return b.note(b.writer.integer(v));
-        else
-            return b.note(b.writer.string(v));
-    };
-}
-
-Put array(std::vector<Put> items) {
-    return [items](Builder& b) {
-        std::vector<Ref> refs;
-        for (const Put& item : items)
-            refs.push_back(item ? item(b) : 0);
-        const Ref self = b.newest + 1;
-        for (size_t i = 0; i < items.size(); ++i)
-            if (!items[i]) refs[i] = self;
-        EXPECT_EQ(b.note(b.writer.array(refs)), self);
-        return self;
-    };
-}
-
-Put dict(Entries entries) {
-    return [entries](Builder& b) {
-        std::vector<std::pair<Ref, Ref>> refs;
-        for (const auto& [key, item] : entries)
-            refs.emplace_back(0, item ? item(b) : 0);
-        for (size_t i = 0; i < entries.size(); ++i)
-            refs[i].first = b.note(b.writer.key(entries[i].first));
-        const Ref self = b.newest + 1;
-        for (size_t i = 0; i < entries.size(); ++i)
-            if (!entries[i].second) refs[i].second = self;
-        EXPECT_EQ(b.note(b.writer.dict(refs)), self);
-        return self;
-    };
-}
+using namespace test; // the hand-made files' builders
 
 const std::string shotPath = "/home/me/Pictures/Capture.png";
 
@@ -296,18 +243,6 @@ Entries libraryEntries(Put shots) {
             {"skippedFolders", array({})}};
 }
 
-// `entries` with `key` set to `put`, or left out when `put` is "drop".
-Entries with(Entries entries, const std::string& key, std::optional<Put> put) {
-    std::erase_if(entries, [&](const auto& e) { return e.first == key; });
-    if (put) entries.emplace_back(key, *put);
-    return entries;
-}
-const std::nullopt_t drop = std::nullopt;
-
-std::string fileOf(Put top) {
-    Builder b;
-    return b.writer.finish(top(b));
-}
 std::string libraryWith(Entries shot) {
     return fileOf(dict(libraryEntries(dict({{shotPath, dict(shot)}}))));
 }
