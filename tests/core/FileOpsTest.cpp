@@ -1,5 +1,6 @@
 #include "core/FileOps.h"
 
+#include "support/FailingWrite.h"
 #include "support/TempDir.h"
 
 #include <cerrno>
@@ -19,19 +20,9 @@ std::set<std::string> namesIn(const std::string& folder) {
     return names;
 }
 
-// A write(2) that gives out after `budget` bytes with "no space left", in small pieces until then.
+// Gives out with "no space left" after `budget` bytes, in small pieces until then.
 WriteCall failingAfter(size_t budget) {
-    auto written = std::make_shared<size_t>(0);
-    return [written, budget](int fd, const void* data, size_t length) -> ssize_t {
-        if (*written >= budget) {
-            errno = ENOSPC;
-            return -1;
-        }
-        const ssize_t done =
-            systemWrite(fd, data, std::min({length, budget - *written, size_t{1000}}));
-        if (done > 0) *written += static_cast<size_t>(done);
-        return done;
-    };
+    return test::failingAfter(budget, ENOSPC, 1000);
 }
 
 const std::string before = "the old contents";

@@ -7,6 +7,7 @@
 #include "core/ShotCodec.h"
 #include "core/Uuid.h"
 #include "core/VaultKeySource.h"
+#include "support/FailingWrite.h"
 #include "support/PlistInterop.h"
 #include "support/TempDir.h"
 
@@ -236,10 +237,6 @@ TEST_F(VaultTest, onlyFilesEndingInLowerCaseLvlockCount) {
 }
 
 TEST_F(VaultTest, aFailedLockLeavesNothingBehindAndTheOriginalUntouched) {
-    const WriteCall fullDisk = [](int, const void*, size_t) -> ssize_t {
-        errno = ENOSPC;
-        return -1;
-    };
     using enum VaultError::Kind;
     const struct {
         const char* name;
@@ -250,7 +247,7 @@ TEST_F(VaultTest, aFailedLockLeavesNothingBehindAndTheOriginalUntouched) {
         {"pipe", systemWrite, cannotRead},
         {"may not be read", systemWrite, cannotRead},
         {"the written copy does not check out", damagingWrite, verifyFailed},
-        {"the disk is full", fullDisk, io},
+        {"the disk is full", test::failingAfter(0), io},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
