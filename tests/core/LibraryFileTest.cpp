@@ -61,11 +61,8 @@ void expectSameLibrary(const std::optional<Library>& got, const Library& want) {
     EXPECT_EQ(got->extraFolders, want.extraFolders);
     EXPECT_EQ(got->skippedFolders, want.skippedFolders);
     ASSERT_EQ(got->size(), want.size());
-    for (const ShotPtr& shot : want.all()) {
-        const std::string& path = shot->path;
-        ASSERT_TRUE(got->find(path)) << path;
-        EXPECT_EQ(*got->find(path), *shot) << path;
-    }
+    for (const ShotPtr& shot : want.all())
+        EXPECT_EQ(got->find(shot->path) ? *got->find(shot->path) : Shot(), *shot) << shot->path;
 }
 
 TEST(LibraryFileTest, SavesAndLoadsEveryFieldTheSameWayEachTime) {
@@ -280,6 +277,8 @@ TEST(LibraryFileTest, EveryShotKeyButManualAndReadAtIsRequired) {
 }
 
 TEST(LibraryFileTest, MistypedOrUnknownValuesAreRefused) {
+    Entries twice = shotEntries();
+    twice.emplace_back("size", value(11));
     const struct {
         const char* name;
         Entries shot;
@@ -302,13 +301,7 @@ TEST(LibraryFileTest, MistypedOrUnknownValuesAreRefused) {
         {"failed as a number", shotWith("failed", value(0)), false},
         {"reader as a boolean", shotWith("reader", value(true)), false},
         {"an unknown key", shotWith("colour", value("red")), true},
-        {"a key given twice",
-         [] {
-             Entries e = shotEntries();
-             e.emplace_back("size", value(11));
-             return e;
-         }(),
-         false},
+        {"a key given twice", twice, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -318,13 +311,10 @@ TEST(LibraryFileTest, MistypedOrUnknownValuesAreRefused) {
 
 TEST(LibraryFileTest, DamagedFilesLoadAsNothing) {
     std::mt19937 random(7);
-    std::string junk(4096, '\0');
-    for (char& c : junk)
-        c = static_cast<char>(random());
-    const std::string sound = libraryWith(shotEntries());
-    std::string scrambled = sound;
-    for (size_t i = 8; i < sound.size() - 40; ++i)
-        scrambled[i] = static_cast<char>(random());
+    const auto noise = [&] { return static_cast<char>(random()); };
+    std::string junk(4096, '\0'), sound = libraryWith(shotEntries()), scrambled = sound;
+    std::ranges::generate(junk, noise);
+    std::generate(scrambled.begin() + 8, scrambled.end() - 40, noise); // the trailer stays
 
     const std::pair<const char*, std::string> cases[] = {
         {"empty", ""},
