@@ -240,28 +240,24 @@ TEST_F(VaultTest, aFailedLockLeavesNothingBehindAndTheOriginalUntouched) {
     using enum VaultError::Kind;
     const struct {
         const char* name;
+        std::function<void(const std::string& path)> spoil; // done to the picture first
         WriteCall write;
         VaultError::Kind expected;
     } cases[] = {
-        {"missing", systemWrite, cannotRead},
-        {"pipe", systemWrite, cannotRead},
-        {"may not be read", systemWrite, cannotRead},
-        {"the written copy does not check out", damagingWrite, verifyFailed},
-        {"the disk is full", test::failingAfter(0), io},
+        {"missing", [](const std::string& p) { fs::remove(p); }, systemWrite, cannotRead},
+        {"pipe", [](const std::string& p) { fs::remove(p), mkfifo(p.c_str(), 0600); }, systemWrite,
+         cannotRead},
+        {"may not be read", [](const std::string& p) { fs::permissions(p, fs::perms::none); },
+         systemWrite, cannotRead},
+        {"the written copy does not check out", [](const std::string&) {}, damagingWrite,
+         verifyFailed},
+        {"the disk is full", [](const std::string&) {}, test::failingAfter(0), io},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        const std::string name = c.name;
-        const Shot shot = name == "missing" ? shotAt(pictures + "/gone.png", pictureBytes())
-                                            : picture(name + ".png");
-        if (name == "pipe") {
-            fs::remove(shot.path);
-            mkfifo(shot.path.c_str(), 0600);
-        }
-        if (name == "may not be read") {
-            if (test::runningAsRoot()) continue; // permissions do not hold for root
-            fs::permissions(shot.path, fs::perms::none);
-        }
+        if (test::runningAsRoot() && c.name == std::string("may not be read")) continue;
+        const Shot shot = picture(std::string(c.name) + ".png");
+        c.spoil(shot.path);
         struct stat before {};
         const bool existed = stat(shot.path.c_str(), &before) == 0;
         const auto result = vault.lock(shot, key, at(1700000000.0), c.write);
