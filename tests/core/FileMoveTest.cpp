@@ -28,10 +28,6 @@ std::string pattern(size_t size) {
     return bytes;
 }
 
-size_t entriesIn(const std::string& folder) {
-    return static_cast<size_t>(std::distance(fs::directory_iterator(folder), {}));
-}
-
 TEST(FileMove, WithinOneFileSystemNeverReplaces) {
     enum class Target { freeName, file, danglingLink, noFolder };
     using enum Target;
@@ -105,7 +101,7 @@ TEST(FileMove, AcrossFileSystemsCopiesWholeThenRemovesTheOriginal) {
     EXPECT_EQ(wrongMoments, 0);
     EXPECT_FALSE(fs::exists(from));
     EXPECT_EQ(readFile(to), bytes);
-    EXPECT_EQ(entriesIn(other.path()), 1u);
+    EXPECT_EQ(test::namesIn(other.path()).size(), 1u);
 
     struct stat st {};
     ASSERT_EQ(stat(to.c_str(), &st), 0);
@@ -147,7 +143,7 @@ TEST(FileMove, AcrossFileSystemsAFailedMoveLeavesNoTrace) {
         EXPECT_EQ(moved.code(), c.expected) << moved.message();
         EXPECT_FALSE(moved.message().empty());
         EXPECT_EQ(readFile(from), bytes);
-        EXPECT_EQ(entriesIn(folder), c.targetTaken ? 1u : 0u) << "no partial file";
+        EXPECT_EQ(test::namesIn(folder).size(), c.targetTaken ? 1u : 0u) << "no partial file";
         if (c.targetTaken) {
             EXPECT_EQ(readFile(to), "theirs");
         }
@@ -161,7 +157,7 @@ TEST(FileMove, AcrossFileSystemsAFailedMoveLeavesNoTrace) {
     TempDir dir;
     EXPECT_EQ(moveNoReplace(from, dir.file("shot.png")).code(), EROFS);
     EXPECT_EQ(readFile(from), "picture");
-    EXPECT_EQ(entriesIn(dir.str()), 0u);
+    EXPECT_EQ(test::namesIn(dir.str()).size(), 0u);
 }
 
 } // namespace
