@@ -81,17 +81,13 @@ TEST(PlistTest, ValuesRoundTripAndPlistlibReadsThem) {
         blob[i] = static_cast<char>(i * 7);
     add(writer.data(spanOf(blob)), {"data", test::hexOf(blob)}, "d");
 
+    const std::string bytes = writer.finish(writer.array(refs));
     const test::TempDir dir;
-    const std::string file =
-        test::writeFile(dir.file("v.plist"), writer.finish(writer.array(refs)));
-    const std::string bytes = test::readFile(file);
+    const auto leaves = test::readWithPlistlib(test::writeFile(dir.file("v.plist"), bytes));
     const auto doc = Document::open(spanOf(bytes));
-    ASSERT_TRUE(doc);
+    ASSERT_TRUE(doc && leaves);
     const auto back = doc->array(doc->root());
-    ASSERT_TRUE(back);
-    ASSERT_EQ(back->size(), refs.size());
-    const auto leaves = test::readWithPlistlib(file);
-    ASSERT_TRUE(leaves);
+    ASSERT_TRUE(back && back->size() == refs.size());
     for (size_t i = 0; i < refs.size(); ++i) {
         SCOPED_TRACE(i);
         expectSameLeaf(leafOf(*doc, (*back)[i]), want[i].first);
