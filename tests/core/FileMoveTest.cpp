@@ -1,5 +1,6 @@
 #include "core/FileMove.h"
 
+#include "support/FailingWrite.h"
 #include "support/ScratchMount.h"
 #include "support/TempDir.h"
 
@@ -27,49 +28,38 @@ std::string pattern(size_t size) {
     return bytes;
 }
 
-size_t entriesIn(const std::string& folder) {
-    return static_cast<size_t>(std::distance(fs::directory_iterator(folder), {}));
-}
-
 TEST(FileMove, WithinOneFileSystemNeverReplaces) {
-    enum class Target { free, file, danglingLink, missingFolder };
+    enum class Target { freeName, file, danglingLink, noFolder };
+    using enum Target;
     const struct {
         const char* name;
         bool sourceThere;
         Target target;
         int error; // 0: moves
+        std::string atTarget;
     } cases[] = {
-        {"moves", true, Target::free, 0},
-        {"target taken by a file", true, Target::file, EEXIST},
-        {"target taken by a dangling link", true, Target::danglingLink, EEXIST},
-        {"target folder missing", true, Target::missingFolder, ENOENT},
-        {"source missing", false, Target::free, ENOENT},
+        {"moves", true, freeName, 0, "picture"},
+        {"target taken by a file", true, file, EEXIST, "someone else's"},
+        {"target taken by a dangling link", true, danglingLink, EEXIST, ""},
+        {"target folder missing", true, noFolder, ENOENT, ""},
+        {"source missing", false, freeName, ENOENT, ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         TempDir dir;
-        const std::string from = dir.file("in/shot.png");
-        std::string to = dir.file("out/shot.png");
+        const std::string from = dir.file("shot.png");
+        const std::string to = dir.file(c.target == noFolder ? "absent/shot.png" : "out/shot.png");
         fs::create_directories(dir.file("out"));
-        fs::create_directories(dir.file("in"));
         if (c.sourceThere) writeFile(from, "picture");
-        if (c.target == Target::file) writeFile(to, "someone else's");
-        if (c.target == Target::danglingLink) fs::create_symlink(dir.file("nowhere"), to);
-        if (c.target == Target::missingFolder) to = dir.file("absent/shot.png");
+        if (c.target == file) writeFile(to, "someone else's");
+        if (c.target == danglingLink) fs::create_symlink(dir.file("nowhere"), to);
 
         const Status moved = moveNoReplace(from, to);
         EXPECT_EQ(moved.code(), c.error) << moved.message();
         EXPECT_EQ(moved.message().empty(), c.error == 0);
         EXPECT_EQ(readFile(from), c.sourceThere && c.error ? "picture" : "");
-        if (c.error == 0) {
-            EXPECT_EQ(readFile(to), "picture");
-        }
-        if (c.target == Target::file) {
-            EXPECT_EQ(readFile(to), "someone else's");
-        }
-        if (c.target == Target::danglingLink) {
-            EXPECT_TRUE(fs::is_symlink(to));
-        }
+        EXPECT_EQ(readFile(to), c.atTarget);
+        EXPECT_EQ(fs::is_symlink(to), c.target == danglingLink);
     }
 }
 
@@ -78,14 +68,10 @@ TEST(FileMove, IsTakenByAnythingAtThePath) {
     writeFile(dir.file("file"), "x");
     fs::create_directories(dir.file("folder"));
     fs::create_symlink(dir.file("nowhere"), dir.file("dangling"));
-    for (const auto& [name, taken] : {std::pair{"file", true},
-                                      {"folder", true},
-                                      {"dangling", true},
-                                      {"missing", false},
-                                      {"file/inside", false}}) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(isTaken(dir.file(name)), taken);
-    }
+    for (const char* name : {"file", "folder", "dangling"})
+        EXPECT_TRUE(isTaken(dir.file(name))) << name;
+    for (const char* name : {"missing", "file/inside"})
+        EXPECT_FALSE(isTaken(dir.file(name))) << name;
 }
 
 TEST(FileMove, AcrossFileSystemsCopiesWholeThenRemovesTheOriginal) {
@@ -115,7 +101,7 @@ TEST(FileMove, AcrossFileSystemsCopiesWholeThenRemovesTheOriginal) {
     EXPECT_EQ(wrongMoments, 0);
     EXPECT_FALSE(fs::exists(from));
     EXPECT_EQ(readFile(to), bytes);
-    EXPECT_EQ(entriesIn(other.path()), 1u);
+    EXPECT_EQ(test::namesIn(other.path()).size(), 1u);
 
     struct stat st {};
     ASSERT_EQ(stat(to.c_str(), &st), 0);
@@ -133,15 +119,15 @@ TEST(FileMove, AcrossFileSystemsAFailedMoveLeavesNoTrace) {
     if (!other.ok()) GTEST_SKIP() << other.why();
     const struct {
         const char* name;
-        ssize_t failAfter; // bytes written before writes fail; -1: never
-        int error;         // what the failing write reports (0: it writes nothing)
+        size_t budget; // bytes written before writes fail
+        int error;     // what the failing write reports (0: it writes nothing)
         bool targetTaken;
         int expected;
     } cases[] = {
         {"first write fails", 0, ENOSPC, false, ENOSPC},
         {"fails in the second chunk", 1024 * 1024 + 100, EDQUOT, false, EDQUOT},
         {"write makes no progress", 4096, 0, false, EIO},
-        {"target already taken", -1, 0, true, EEXIST},
+        {"target already taken", SIZE_MAX, 0, true, EEXIST},
     };
     const std::string bytes = pattern(2 * 1024 * 1024 + 5);
     for (const auto& c : cases) {
@@ -153,23 +139,11 @@ TEST(FileMove, AcrossFileSystemsAFailedMoveLeavesNoTrace) {
         const std::string to = folder + "/shot.png";
         if (c.targetTaken) writeFile(to, "theirs");
 
-        ssize_t written = 0;
-        const Status moved = moveNoReplace(from, to, [&](int fd, const void* data, size_t length) {
-            if (c.failAfter < 0 || written + static_cast<ssize_t>(length) <= c.failAfter) {
-                written += static_cast<ssize_t>(length);
-                return systemWrite(fd, data, length);
-            }
-            if (const ssize_t part = c.failAfter - written; part > 0) {
-                written += part;
-                return systemWrite(fd, data, static_cast<size_t>(part));
-            }
-            errno = c.error;
-            return ssize_t(c.error ? -1 : 0);
-        });
+        const Status moved = moveNoReplace(from, to, test::failingAfter(c.budget, c.error));
         EXPECT_EQ(moved.code(), c.expected) << moved.message();
         EXPECT_FALSE(moved.message().empty());
         EXPECT_EQ(readFile(from), bytes);
-        EXPECT_EQ(entriesIn(folder), c.targetTaken ? 1u : 0u) << "no partial file";
+        EXPECT_EQ(test::namesIn(folder).size(), c.targetTaken ? 1u : 0u) << "no partial file";
         if (c.targetTaken) {
             EXPECT_EQ(readFile(to), "theirs");
         }
@@ -183,7 +157,7 @@ TEST(FileMove, AcrossFileSystemsAFailedMoveLeavesNoTrace) {
     TempDir dir;
     EXPECT_EQ(moveNoReplace(from, dir.file("shot.png")).code(), EROFS);
     EXPECT_EQ(readFile(from), "picture");
-    EXPECT_EQ(entriesIn(dir.str()), 0u);
+    EXPECT_EQ(test::namesIn(dir.str()).size(), 0u);
 }
 
 } // namespace

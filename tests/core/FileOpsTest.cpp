@@ -1,5 +1,6 @@
 #include "core/FileOps.h"
 
+#include "support/FailingWrite.h"
 #include "support/TempDir.h"
 
 #include <cerrno>
@@ -12,26 +13,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::set<std::string> namesIn(const std::string& folder) {
-    std::set<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder))
-        names.insert(entry.path().filename().string());
-    return names;
-}
-
-// A write(2) that gives out after `budget` bytes with "no space left", in small pieces until then.
+// Gives out with "no space left" after `budget` bytes, in small pieces until then.
 WriteCall failingAfter(size_t budget) {
-    auto written = std::make_shared<size_t>(0);
-    return [written, budget](int fd, const void* data, size_t length) -> ssize_t {
-        if (*written >= budget) {
-            errno = ENOSPC;
-            return -1;
-        }
-        const ssize_t done =
-            systemWrite(fd, data, std::min({length, budget - *written, size_t{1000}}));
-        if (done > 0) *written += static_cast<size_t>(done);
-        return done;
-    };
+    return test::failingAfter(budget, ENOSPC, 1000);
 }
 
 const std::string before = "the old contents";
@@ -50,14 +34,14 @@ TEST(FileOpsTest, WritesReplaceTheFileOrLeaveItWhole) {
             EXPECT_EQ(status.code(), ENOSPC);
         }
         EXPECT_EQ(test::readFile(file), fits ? after : before);
-        EXPECT_EQ(namesIn(dir.str()), onlyTheFile);
+        EXPECT_EQ(test::namesIn(dir.str()), onlyTheFile);
 
         EXPECT_EQ(writeNew(dir.file("fresh"), after, failingAfter(budget)).isOk(), fits);
         EXPECT_EQ(fs::exists(dir.file("fresh")), fits) << "a failed new file leaves nothing";
     }
     const test::TempDir dir;
     EXPECT_FALSE(writeAtomically(dir.file("library.plist"), after, failingAfter(10)));
-    EXPECT_TRUE(namesIn(dir.str()).empty());
+    EXPECT_TRUE(test::namesIn(dir.str()).empty());
     ASSERT_TRUE(writeAtomically(dir.file("a/b/library.plist"), after)) << "makes the folders";
     EXPECT_EQ(test::readFile(dir.file("a/b/library.plist")), after);
 }
@@ -78,7 +62,7 @@ TEST(FileOpsTest, AnAtomicFileReplacesOnlyOnCommit) {
         EXPECT_TRUE(abandoned.append(after));
     }
     EXPECT_EQ(test::readFile(file), before);
-    EXPECT_EQ(namesIn(dir.str()), onlyTheFile);
+    EXPECT_EQ(test::namesIn(dir.str()), onlyTheFile);
     {
         AtomicFile out(file);
         ASSERT_TRUE(out.append(after));
@@ -87,7 +71,7 @@ TEST(FileOpsTest, AnAtomicFileReplacesOnlyOnCommit) {
         ASSERT_TRUE(out.commit());
     }
     EXPECT_EQ(test::readFile(file), after + before);
-    EXPECT_EQ(namesIn(dir.str()), onlyTheFile);
+    EXPECT_EQ(test::namesIn(dir.str()), onlyTheFile);
 }
 
 TEST(FileOpsTest, NothingIsOverwrittenOrLeftInAFolderThatRefuses) {
@@ -102,7 +86,7 @@ TEST(FileOpsTest, NothingIsOverwrittenOrLeftInAFolderThatRefuses) {
     EXPECT_FALSE(writeNew(dir.file("other.plist"), after));
     fs::permissions(dir.str(), fs::perms::owner_all, fs::perm_options::replace);
     EXPECT_EQ(test::readFile(file), before);
-    EXPECT_EQ(namesIn(dir.str()), std::set<std::string>{"journal.plist"});
+    EXPECT_EQ(test::namesIn(dir.str()), std::set<std::string>{"journal.plist"});
 }
 
 } // namespace

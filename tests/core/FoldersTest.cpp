@@ -23,26 +23,22 @@ namespace Folders = lumivale::Folders;
 
 namespace {
 
-// A file of `size` bytes (sparse, so large sizes cost nothing), a folder when the path ends in
-// "/", or a symbolic link when `linkTo` is set.
-struct Item {
-    std::string path;
-    int64_t size = 3;
-    std::string linkTo;
-};
-
-void make(const std::string& root, const std::vector<Item>& items) {
-    for (const Item& item : items) {
-        const fs::path path = fs::path(root) / item.path;
-        fs::create_directories(item.path.ends_with('/') ? path : path.parent_path());
-        if (item.path.ends_with('/')) continue;
-        if (!item.linkTo.empty()) {
-            fs::create_symlink(fs::path(root) / item.linkTo, path);
+// Makes each item under root: "name" a file of 3 bytes, "name=N" one of N bytes (sparse, so
+// large sizes cost nothing), "name/" a folder, "name->target" a symbolic link.
+void make(const std::string& root, const std::vector<std::string>& items) {
+    for (const std::string& item : items) {
+        const size_t arrow = item.find("->"), equals = item.find('=');
+        const fs::path path = fs::path(root) / item.substr(0, std::min(arrow, equals));
+        fs::create_directories(item.ends_with('/') ? path : path.parent_path());
+        if (item.ends_with('/')) continue;
+        if (arrow != std::string::npos) {
+            fs::create_symlink(fs::path(root) / item.substr(arrow + 2), path);
             continue;
         }
         const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
         ASSERT_GE(fd, 0) << path;
-        ASSERT_EQ(ftruncate(fd, item.size), 0) << path;
+        const int64_t size = equals == std::string::npos ? 3 : std::stoll(item.substr(equals + 1));
+        ASSERT_EQ(ftruncate(fd, size), 0) << path;
         close(fd);
     }
 }
@@ -55,74 +51,49 @@ std::vector<std::string> relative(const std::vector<FoundFile>& found, const std
 }
 
 TEST(FoldersTest, ListsTheRightFilesInNameOrder) {
-    const std::vector<Item> nested = {
-        {"top.png"}, {"sub/one.png"}, {"sub/deeper/two.png"}, {"sub/deeper/deepest/three.png"}};
+    const std::vector<std::string> nested = {"top.png", "sub/one.png", "sub/deeper/two.png",
+                                             "sub/deeper/deepest/three.png"};
     const struct {
-        std::string name;
-        std::vector<Item> tree;
-        std::vector<std::string> expected;
+        std::vector<std::string> tree, expected;
         int depth = 2;
-        int64_t limit = 100000;
         bool screenshotsOnly = false;
         std::vector<std::string> skipping = {};
+        int64_t limit = 100000;
     } cases[] = {
-        {"depth 0 stays in the folder", nested, {"top.png"}, 0},
-        {"depth 2 enters two levels", nested, {"sub/deeper/two.png", "sub/one.png", "top.png"}},
-        {"names in byte order, not by locale",
-         {{"a.png"}, {"B.png"}, {"_.png"}, {"é.png"}, {"10.png"}, {"9.png"}},
+        {nested, {"top.png"}, 0},
+        {nested, {"sub/deeper/two.png", "sub/one.png", "top.png"}},
+        // Names in byte order, not by locale.
+        {{"a.png", "B.png", "_.png", "é.png", "10.png", "9.png"},
          {"10.png", "9.png", "B.png", "_.png", "a.png", "é.png"}},
-        {"the limit takes the first by name, counting sub-folders",
-         {{"c/3.png"}, {"b.png"}, {"a/2.png"}, {"a/1.png"}},
-         {"a/1.png", "a/2.png"},
-         2,
-         2},
-        {"a skipped folder is not entered, one of the same name deeper is",
-         {{"keep/a.png"}, {"keep/skip/b.png"}, {"skip/c.png"}, {"z.png"}},
-         {"keep/a.png", "keep/skip/b.png", "z.png"},
-         2,
-         100000,
-         false,
-         {"skip"}},
-        {"hidden names and the .hidden list are left out",
-         {{".Screenshot 1.png"},
-          {".dots/inside.png"},
-          {"secret.png"},
-          {"private/x.png"},
-          {"shown.png"},
-          {"windows.png"}},
+        // The limit takes the first by name, counting sub-folders.
+        {{"c/3.png", "b.png", "a/2.png", "a/1.png"}, {"a/1.png", "a/2.png"}, 2, false, {}, 2},
+        // A skipped folder is not entered; one of the same name deeper is.
+        {{"a/skip/b.png", "skip/c.png", "z.png"}, {"a/skip/b.png", "z.png"}, 2, false, {"skip"}},
+        // Hidden names and those in the .hidden file are left out.
+        {{".Screenshot 1.png", ".dots/inside.png", "secret.png", "private/x.png", "shown.png",
+          "windows.png"},
          {"shown.png"}},
-        {"symbolic links to files and folders are never followed",
-         {{"real/a.png"}, {"link.png", 3, "real/a.png"}, {"linked folder", 3, "real"}},
-         {"real/a.png"}},
-        {"empty and too large files are left out, one byte less is listed",
-         {{"empty.png", 0}, {"huge.png", 80'000'000}, {"big.png", 79'999'999}},
-         {"big.png"}},
-        {"extensions in any case; other files and folders are left out",
-         {{"a.PNG"},
-          {"b.JpEg"},
-          {"c.txt"},
-          {"f.TIF"},
-          {"g"},
-          {"h.png.txt"},
-          {"l.HEIF"},
-          {"o.png/"},
-          {"p.svg"},
-          {"k.webp"}},
+        // Symbolic links to files and folders are never followed.
+        {{"real/a.png", "link.png->real/a.png", "linked folder->real"}, {"real/a.png"}},
+        // Empty and too large files are left out; one byte less is listed.
+        {{"empty.png=0", "huge.png=80000000", "big.png=79999999"}, {"big.png"}},
+        // Extensions in any case; other files, and folders, are left out.
+        {{"a.PNG", "b.JpEg", "c.txt", "f.TIF", "g", "h.png.txt", "l.HEIF", "o.png/", "p.svg",
+          "k.webp"},
          {"a.PNG", "b.JpEg", "f.TIF", "k.webp", "l.HEIF"},
          0},
-        {"screenshots only: by the start of the folded name",
-         {{"SCREENSHOT.png"}, {"IMG_0001.png"}, {"My screenshot.png"}, {"sub/Skärmavbild 1.png"}},
+        // Screenshots only: by the start of the folded name.
+        {{"SCREENSHOT.png", "IMG_0001.png", "My screenshot.png", "sub/Skärmavbild 1.png"},
          {"SCREENSHOT.png", "sub/Skärmavbild 1.png"},
          2,
-         100000,
          true},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.tree.back());
         TempDir dir;
         make(dir.str(), c.tree);
-        if (c.name.starts_with("hidden"))
-            lumivale::test::writeFile(dir.file(".hidden"), "secret.png\nprivate\r\nwindows.png\n");
+        // Only the hidden-names case has files that the .hidden file names.
+        lumivale::test::writeFile(dir.file(".hidden"), "secret.png\nprivate\r\nwindows.png\n");
         std::set<std::string> skipping;
         for (const std::string& s : c.skipping)
             skipping.insert(dir.file(s));
@@ -134,7 +105,7 @@ TEST(FoldersTest, ListsTheRightFilesInNameOrder) {
 TEST(FoldersTest, ReportsPathSizeAndDates) {
     TempDir dir;
     const auto before = lumivale::now() - std::chrono::seconds(1);
-    make(dir.str(), {{"shot.png", 12345}});
+    make(dir.str(), {"shot.png=12345"});
     const auto after = lumivale::now() + std::chrono::seconds(1);
     const timespec times[2] = {{978307200, 250'000'000}, {978307200, 500'000'000}};
     ASSERT_EQ(utimensat(AT_FDCWD, dir.file("shot.png").c_str(), times, 0), 0);
@@ -156,7 +127,7 @@ TEST(FoldersTest, ReportsPathSizeAndDates) {
 
 TEST(FoldersTest, TheScreenCaptureAttributeMarksScreenshots) {
     TempDir dir;
-    make(dir.str(), {{"IMG_0001.png"}, {"IMG_0002.png"}, {"Screenshot 1.png"}});
+    make(dir.str(), {"IMG_0001.png", "IMG_0002.png", "Screenshot 1.png"});
     const auto mark = [&](const char* name, std::string_view value) {
         return setxattr(dir.file(name).c_str(), Folders::screenCaptureAttribute, value.data(),
                         value.size(), 0) == 0;
@@ -200,12 +171,8 @@ std::optional<int> unprivileged(const std::string& reachable, const std::functio
 
 TEST(FoldersTest, CanReadTellsMissingFromUnreadable) {
     TempDir dir;
-    make(dir.str(), {{"open/a.png"},
-                     {"locked/inner/a.png"},
-                     {"no search/a.png"},
-                     {"file.png"},
-                     {"partly/a.png"},
-                     {"partly/locked/b.png"}});
+    make(dir.str(), {"open/a.png", "locked/inner/a.png", "no search/a.png", "file.png",
+                     "partly/a.png", "partly/locked/b.png"});
     for (const char* locked : {"locked", "partly/locked"})
         fs::permissions(dir.file(locked), fs::perms::none, fs::perm_options::replace);
     fs::permissions(dir.file("no search"), fs::perms::owner_read | fs::perms::others_read,

@@ -17,87 +17,55 @@ std::string repeated(const std::string& piece, size_t n) {
     return out;
 }
 
-Lines linesOf(const std::string& line, size_t n) {
-    return Lines(n, line);
+// Each text as many times as it says, in order.
+Lines copies(std::initializer_list<std::pair<std::string, size_t>> runs) {
+    Lines lines;
+    for (const auto& [text, n] : runs)
+        lines.insert(lines.end(), n, text);
+    return lines;
 }
 
-Lines concat(Lines a, const Lines& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
-TEST(Shape, ChatScoreFromClockLinesShortLinesAndQuestions) {
-    const std::string longLine = repeated("a", 41);
+TEST(Shape, ChatAndCodeScores) {
+    const std::string a41 = repeated("a", 41), filler = repeated("a", 300);
+    const std::string fiveSymbols = "a(a[a=a<a>"; // kept apart, so they make no two-character token
+    const auto chat = &Shape::chatScore, code = &Shape::codeScore;
     const struct {
         const char* name;
         Lines lines;
-        double chat;
+        std::string raw;
+        double Shape::*score;
+        double value;
     } cases[] = {
-        {"six short clock lines earn the bonus", linesOf("9:41", 6), 9.0},
-        {"one clock line gets no bonus", concat({"9:41"}, linesOf("hi", 7)), 1.5},
-        {"two clock lines in six short ones", concat(linesOf("9:41", 2), linesOf("hi", 4)), 5.0},
-        {"five lines are too few for the bonus", concat(linesOf("9:41", 2), linesOf("hi", 3)), 3.0},
-        {"short ratio of exactly 0.7 earns nothing",
-         concat(concat(linesOf("9:41", 2), linesOf("hi", 5)), linesOf(longLine, 3)), 3.0},
-        {"short ratio of 0.8 earns the bonus",
-         concat(concat(linesOf("9:41", 2), linesOf("hi", 6)), linesOf(longLine, 2)), 5.0},
+        {"six short clock lines earn the bonus", copies({{"9:41", 6}}), "", chat, 9},
+        {"one clock line, no bonus", copies({{"9:41", 1}, {"hi", 7}}), "", chat, 1.5},
+        {"two clock lines in six short", copies({{"9:41", 2}, {"hi", 4}}), "", chat, 5},
+        {"five lines are too few", copies({{"9:41", 2}, {"hi", 3}}), "", chat, 3},
+        {"short ratio 0.7 earns nothing", copies({{"9:41", 2}, {"hi", 5}, {a41, 3}}), "", chat, 3},
+        {"short ratio 0.8 earns it", copies({{"9:41", 2}, {"hi", 6}, {a41, 2}}), "", chat, 5},
         // Forty Devanagari characters are short even though they take 120 bytes.
         {"length counts characters",
-         concat(concat(linesOf("9:41", 2), linesOf(repeated("भ", 40), 6)),
-                linesOf(repeated("भ", 41), 2)),
-         5.0},
-        {"a clock time must end the line", linesOf("9:41 Wed", 6), 0.0},
-        {"ten questions add only 2", linesOf("really?", 10), 2.0},
-        {"three questions add 1.5", concat(linesOf("why?", 3), {"why not? no"}), 1.5},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_DOUBLE_EQ(Shape(c.lines, "").chatScore, c.chat);
-    }
-}
-
-TEST(Shape, SymbolDensityOfTheWholeText) {
-    // Symbols kept apart so that they make no two-character token.
-    const std::string fiveSymbols = "a(a[a=a<a>";
-    const std::string eightSymbols = "a(a[a=a<a>a]a)a{";
-    const struct {
-        const char* name;
-        std::string raw;
-        double code;
-    } cases[] = {
-        {"5 in 100 is 0.05", fiveSymbols + repeated("a", 90), 3.0},
-        {"8 in 100 is 0.08", eightSymbols + repeated("a", 84), 5.0},
-        {"4 in 100 is 0.04", "a(a[a=a<" + repeated("a", 92), 0.0},
+         copies({{"9:41", 2}, {repeated("भ", 40), 6}, {repeated("भ", 41), 2}}), "", chat, 5},
+        {"a clock time must end the line", copies({{"9:41 Wed", 6}}), "", chat, 0},
+        {"ten questions add only 2", copies({{"really?", 10}}), "", chat, 2},
+        {"three questions add 1.5", {"why?", "why?", "why?", "why not? no"}, "", chat, 1.5},
+        {"5 symbols in 100", {}, fiveSymbols + repeated("a", 90), code, 3},
+        {"8 symbols in 100", {}, "a(a[a=a<a>a]a)a{" + repeated("a", 84), code, 5},
+        {"4 symbols in 100", {}, "a(a[a=a<" + repeated("a", 92), code, 0},
         // Each Devanagari letter with its vowel sign is one character of the hundred.
-        {"characters, not bytes", fiveSymbols + repeated("भा", 90), 3.0},
-        {"underscore counts", "a_" + repeated(" ", 8), 5.0},
+        {"characters, not bytes", {}, fiveSymbols + repeated("भा", 90), code, 3},
+        {"underscore counts", {}, "a_" + repeated(" ", 8), code, 5},
+        {"brace alone with spaces", {"  }  "}, "", code, 0.7},
+        {"endings", {"int x = 1;", "if (x) {", "\t}", "run(() => {})", "}x"}, "", code, 2.8},
+        {"endings are capped at 5", copies({{"x;", 9}}), "", code, 5},
+        {"every token", {}, "=> -> == != // /* </ () :: && ||" + filler + filler, code, 11},
+        {"three prompts add only 2", {"$ ls", "% make", ">>> 1 + 1"}, "", code, 2},
+        {"a prompt needs its space", {"$ls", "%make", ">>>x"}, "", code, 0},
+        {"eleven identifiers are capped at 3", {}, repeated("userName ", 11), code, 3},
+        {"five identifiers", {}, "max_count fooBar a_b isOpen x_y " + filler, code, 1.5},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_DOUBLE_EQ(Shape(Lines{}, c.raw).codeScore, c.code);
-    }
-}
-
-TEST(Shape, CodeScoreFromLinesTokensPromptsAndIdentifiers) {
-    const std::string filler = repeated("a", 300); // keeps the symbol density near zero
-    const struct {
-        const char* name;
-        Lines lines;
-        std::string raw;
-        double code;
-    } cases[] = {
-        {"brace alone with spaces", {"  }  "}, "", 0.7},
-        {"endings", {"int x = 1;", "if (x) {", "\t}", "run(() => {})", "}x"}, "", 2.8},
-        {"endings are capped at 5", linesOf("x;", 9), "", 5.0},
-        {"every token", {}, "=> -> == != // /* </ () :: && ||" + filler + filler, 11.0},
-        {"three prompts add only 2", {"$ ls", "% make", ">>> 1 + 1"}, "", 2.0},
-        {"a prompt needs its space", {"$ls", "%make", ">>>x"}, "", 0.0},
-        {"eleven identifiers are capped at 3", {}, repeated("userName ", 11), 3.0},
-        {"five identifiers", {}, "max_count fooBar a_b isOpen x_y " + filler, 1.5},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_NEAR(Shape(c.lines, c.raw).codeScore, c.code, 1e-9);
+        EXPECT_NEAR(Shape(c.lines, c.raw).*c.score, c.value, 1e-9);
     }
 }
 

@@ -1,14 +1,17 @@
 #include "core/TidyPlan.h"
 
-#include "core/Uuid.h"
-
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <regex>
 #include <set>
 
 namespace lumivale {
 namespace {
 
+namespace fs = std::filesystem;
 using namespace std::chrono;
+using enum Shelf;
+const auto byShelf = TidyLayout::byCategory, byMonth = TidyLayout::byCategoryAndMonth;
 
 Date at(year_month_day day, hours h = 12h, minutes m = 0min) {
     return Date(sys_days(day) + h + m);
@@ -16,9 +19,9 @@ Date at(year_month_day day, hours h = 12h, minutes m = 0min) {
 
 // 20:00 UTC on 31 October is already 01:30 on 1 November in Kolkata, where the tests run.
 const Date nearMidnightUtc = at(2026y / October / 31, 20h);
-const Date october14 = at(2026y / October / 14);
+const Date oct14 = at(2026y / October / 14);
 
-ShotPtr shot(std::string path, Date date, Shelf guess = Shelf::chats, bool read = true,
+ShotPtr shot(std::string path, Date date, Shelf guess = chats, bool read = true,
              std::optional<Shelf> manual = std::nullopt, std::vector<std::string> lines = {}) {
     Shot s(std::move(path), 100, date, date);
     s.guess = guess;
@@ -35,23 +38,22 @@ ExistsTest disk(std::set<std::string> paths) {
 }
 
 TEST(TidyLayout, FolderFollowsShelfAndLocalMonth) {
-    const auto byMonth = TidyLayout::byCategoryAndMonth;
     const struct {
         const char* name;
         ShotPtr shot;
         TidyLayout layout;
         std::string root, folder;
     } cases[] = {
-        {"shelf folder", shot("/in/a.png", october14, Shelf::bills), TidyLayout::byCategory,
-         "/arch/", "/arch/Bills and receipts"},
-        {"month inside the shelf", shot("/in/a.png", october14, Shelf::maps), byMonth, "/arch",
+        {"shelf folder", shot("/in/a.png", oct14, bills), byShelf, "/arch/",
+         "/arch/Bills and receipts"},
+        {"month inside the shelf", shot("/in/a.png", oct14, maps), byMonth, "/arch",
          "/arch/Maps and places/2026-10"},
-        {"month in the local time zone", shot("/in/a.png", nearMidnightUtc, Shelf::ids), byMonth,
-         "/arch", "/arch/IDs and documents/2026-11"},
+        {"month in the local time zone", shot("/in/a.png", nearMidnightUtc, ids), byMonth, "/arch",
+         "/arch/IDs and documents/2026-11"},
         {"local new year", shot("/a.png", at(2026y / December / 31, 18h, 30min)), byMonth, "/arch",
          "/arch/Chats/2027-01"},
-        {"manual shelf wins", shot("/in/a.png", october14, Shelf::bills, true, Shelf::tickets),
-         TidyLayout::byCategory, "/arch", "/arch/Tickets and bookings"},
+        {"manual shelf wins", shot("/in/a.png", oct14, bills, true, tickets), byShelf, "/arch",
+         "/arch/Tickets and bookings"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -94,19 +96,14 @@ TEST(TidyUnique, NumbersNamesThenFallsBackToAnUpperCaseUuid) {
         std::set<std::string> onDisk;
         std::string expected;
     } cases[] = {
-        {"its own place", "/a/Name.png", "/a/Name.png", {}, {"/a/Name.png"}, "/a/Name.png"},
-        {"claimed and on disk",
-         "/a/Name.png",
-         "",
-         {"/a/Name.png"},
-         {"/a/Name 2.png"},
-         "/a/Name 3.png"},
-        {"numbered name is its own",
-         "/a/Name.png",
-         "/a/Name 2.png",
+        {"its own place", "/a/N.png", "/a/N.png", {}, {"/a/N.png"}, "/a/N.png"},
+        {"claimed and on disk", "/a/N.png", "", {"/a/N.png"}, {"/a/N 2.png"}, "/a/N 3.png"},
+        {"own numbered name",
+         "/a/N.png",
+         "/a/N 2.png",
          {},
-         {"/a/Name.png", "/a/Name 2.png"},
-         "/a/Name 2.png"},
+         {"/a/N.png", "/a/N 2.png"},
+         "/a/N 2.png"},
         {"no extension", "/a/report", "", {}, {"/a/report"}, "/a/report 2"},
         {"last extension only", "/a/x.tar.gz", "", {}, {"/a/x.tar.gz"}, "/a/x.tar 2.gz"},
         {"hidden name", "/a/.notes", "", {}, {"/a/.notes"}, "/a/.notes 2"},
@@ -121,10 +118,10 @@ TEST(TidyUnique, NumbersNamesThenFallsBackToAnUpperCaseUuid) {
         ++asked;
         return p == "/a/Name.png" || p.find(' ') != std::string::npos;
     });
-    ASSERT_EQ(path.size(), std::string("/a/").size() + 36 + 4) << path;
-    EXPECT_EQ(path.substr(39), ".png");
-    EXPECT_TRUE(isUuid(path.substr(3, 36)));
-    EXPECT_EQ(path.substr(3, 36).find_first_of("abcdef"), std::string::npos);
+    const std::string x = "[0-9A-F]"; // an upper-case UUID
+    EXPECT_TRUE(
+        std::regex_match(path, std::regex("/a/" + x + "{8}(-" + x + "{4}){3}-" + x + "{12}\\.png")))
+        << path;
     EXPECT_EQ(asked, 10000) << "each name is checked once";
 }
 
@@ -135,13 +132,12 @@ TEST(TidySuggestedName, ShelfTitleDayAndLowerCaseExtension) {
         std::string expected;
     } cases[] = {
         {"title after the chrome, made safe",
-         shot("/in/x.PNG", october14, Shelf::bills, true, std::nullopt,
+         shot("/in/x.PNG", oct14, bills, true, std::nullopt,
               {"9:41", "100%", "LTE", "Back", "Invoice 12/03/2024 10:30"}),
          "Bill – Invoice 12-03-2024 10 30 – 2026-10-14.png"},
-        {"manual shelf word", shot("/in/x.png", october14, Shelf::bills, true, Shelf::maps),
-         "Map – 2026-10-14.png"},
-        {"local day", shot("/in/x.heic", nearMidnightUtc, Shelf::ids), "ID – 2026-11-01.heic"},
-        {"no extension", shot("/in/capture", october14, Shelf::shopping), "Shop – 2026-10-14"},
+        {"manual shelf word", shot("/in/x.png", oct14, bills, true, maps), "Map – 2026-10-14.png"},
+        {"local day", shot("/in/x.heic", nearMidnightUtc, ids), "ID – 2026-11-01.heic"},
+        {"no extension", shot("/in/capture", oct14, shopping), "Shop – 2026-10-14"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -150,42 +146,33 @@ TEST(TidySuggestedName, ShelfTitleDayAndLowerCaseExtension) {
 }
 
 TEST(TidyPlanning, ReasonsForLeavingShotsAlone) {
-    const auto byMonth = TidyLayout::byCategoryAndMonth, byShelf = TidyLayout::byCategory;
+    const std::string inPlace = "Already in place", chat = "Chat – 2026-10-14.png";
     const struct {
-        const char* name;
         ShotPtr shot;
         TidyLayout layout;
         bool rename;
         std::string reason; // empty: the shot moves
     } cases[] = {
-        {"unread and missing", shot("/gone/a.png", october14, Shelf::chats, false), byShelf, false,
-         "Still being read"},
-        {"read but missing", shot("/gone/a.png", october14), byShelf, false, "No longer there"},
-        {"in its shelf folder", shot("/arch/Chats/a.png", october14), byShelf, false,
-         "Already in place"},
-        {"in its shelf folder, month layout", shot("/arch/Chats/a.png", october14), byMonth, false,
-         ""},
-        {"in its month folder", shot("/arch/Chats/2026-10/a.png", october14), byMonth, false,
-         "Already in place"},
-        {"in its month folder, shelf layout", shot("/arch/Chats/2026-10/a.png", october14), byShelf,
-         false, ""},
-        {"already named as suggested", shot("/arch/Chats/Chat – 2026-10-14.png", october14),
-         byShelf, true, "Already in place"},
-        {"named as suggested elsewhere", shot("/in/Chat – 2026-10-14.png", october14), byShelf,
-         true, ""},
-        {"in the folder of another shelf", shot("/arch/Chats/a.png", october14, Shelf::code),
-         byShelf, false, ""},
+        {shot("/gone/a.png", oct14, chats, false), byShelf, false, "Still being read"},
+        {shot("/gone/a.png", oct14), byShelf, false, "No longer there"},
+        {shot("/arch/Chats/a.png", oct14), byShelf, false, inPlace},
+        {shot("/arch/Chats/a.png", oct14), byMonth, false, ""},
+        {shot("/arch/Chats/2026-10/a.png", oct14), byMonth, false, inPlace},
+        {shot("/arch/Chats/2026-10/a.png", oct14), byShelf, false, ""},
+        {shot("/arch/Chats/" + chat, oct14), byShelf, true, inPlace},
+        {shot("/in/" + chat, oct14), byShelf, true, ""},
+        {shot("/arch/Chats/a.png", oct14, code), byShelf, false, ""}, // another shelf's folder
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.shot->path + (c.layout == byMonth ? " by month" : ""));
         std::set<std::string> onDisk;
-        if (c.shot->path.rfind("/gone/", 0) != 0) onDisk.insert(c.shot->path);
+        if (!c.shot->path.starts_with("/gone/")) onDisk.insert(c.shot->path);
         const TidyPlan plan =
             Tidy::plan(std::span(&c.shot, 1), "/arch", c.layout, c.rename, disk(onDisk));
         if (c.reason.empty()) {
             ASSERT_EQ(plan.moves.size(), 1u);
-            EXPECT_EQ(plan.moves[0].to.rfind(tidyLayoutFolder(c.layout, *c.shot, "/arch") + "/", 0),
-                      0u)
+            EXPECT_TRUE(
+                plan.moves[0].to.starts_with(tidyLayoutFolder(c.layout, *c.shot, "/arch") + "/"))
                 << plan.moves[0].to;
             EXPECT_TRUE(plan.skipped.empty());
         } else {
@@ -196,48 +183,33 @@ TEST(TidyPlanning, ReasonsForLeavingShotsAlone) {
 }
 
 TEST(TidyPlanning, CollisionsAreNumberedOldestFirst) {
-    const struct {
-        const char* name;
-        std::vector<ShotPtr> shots;
-        std::set<std::string> alsoOnDisk;
-        bool rename;
-        std::vector<Move> moves;
-    } cases[] = {
-        {"three of one name, given newest first",
-         {shot("/c/Name.png", october14 + 2h), shot("/b/Name.png", october14 + 1h),
-          shot("/a/Name.png", october14)},
-         {},
-         false,
-         {{"/a/Name.png", "/arch/Chats/Name.png"},
-          {"/b/Name.png", "/arch/Chats/Name 2.png"},
-          {"/c/Name.png", "/arch/Chats/Name 3.png"}}},
-        {"ties keep their input order",
-         {shot("/b/Name.png", october14), shot("/a/Name.png", october14)},
-         {},
-         false,
-         {{"/b/Name.png", "/arch/Chats/Name.png"}, {"/a/Name.png", "/arch/Chats/Name 2.png"}}},
-        {"a file already at the target, no extension",
-         {shot("/a/report", october14)},
-         {"/arch/Chats/report"},
-         false,
-         {{"/a/report", "/arch/Chats/report 2"}}},
-        {"renamed alike on one day",
-         {shot("/a/1.png", october14), shot("/b/2.PNG", october14 + 1min)},
-         {},
-         true,
-         {{"/a/1.png", "/arch/Chats/Chat – 2026-10-14.png"},
-          {"/b/2.PNG", "/arch/Chats/Chat – 2026-10-14 2.png"}}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        std::set<std::string> onDisk = c.alsoOnDisk;
-        for (const ShotPtr& s : c.shots)
-            onDisk.insert(s->path);
-        const TidyPlan plan =
-            Tidy::plan(c.shots, "/arch", TidyLayout::byCategory, c.rename, disk(onDisk));
-        EXPECT_EQ(plan.moves, c.moves);
+    // Each move as "from → name in /arch/Chats", planned with the shots and `alsoOnDisk` on disk.
+    const auto filed = [](std::vector<ShotPtr> shots, bool rename,
+                          std::set<std::string> alsoOnDisk = {}) {
+        for (const ShotPtr& s : shots)
+            alsoOnDisk.insert(s->path);
+        const TidyPlan plan = Tidy::plan(shots, "/arch", byShelf, rename, disk(alsoOnDisk));
         EXPECT_TRUE(plan.skipped.empty());
-    }
+        std::vector<std::string> moves;
+        for (const Move& m : plan.moves)
+            moves.push_back(m.from + " → " +
+                            fs::path(m.to).lexically_relative("/arch/Chats").string());
+        return moves;
+    };
+    using Moves = std::vector<std::string>;
+    const Date t = oct14;
+    EXPECT_EQ(
+        filed({shot("/c/N.png", t + 2h), shot("/b/N.png", t + 1h), shot("/a/N.png", t)}, false),
+        (Moves{"/a/N.png → N.png", "/b/N.png → N 2.png", "/c/N.png → N 3.png"}))
+        << "oldest first";
+    EXPECT_EQ(filed({shot("/b/N.png", t), shot("/a/N.png", t)}, false),
+              (Moves{"/b/N.png → N.png", "/a/N.png → N 2.png"}))
+        << "ties keep their order";
+    EXPECT_EQ(filed({shot("/a/report", t)}, false, {"/arch/Chats/report"}),
+              (Moves{"/a/report → report 2"}));
+    EXPECT_EQ(filed({shot("/a/1.png", t), shot("/b/2.PNG", t + 1min)}, true),
+              (Moves{"/a/1.png → Chat – 2026-10-14.png", "/b/2.PNG → Chat – 2026-10-14 2.png"}))
+        << "renamed alike on one day";
 }
 
 } // namespace

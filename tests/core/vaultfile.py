@@ -44,19 +44,13 @@ def open_file(key, path):
     print(f"headerLength={h}")
     print(f"bodyLength={len(data) - 21 - h}")
     header_box, body_box = data[21 : 21 + h], data[21 + h :]
-    print("headerNonce=" + header_box[:12].hex())
-    print("bodyNonce=" + body_box[:12].hex())
+    print("nonces=" + header_box[:12].hex() + " " + body_box[:12].hex())
     header = plistlib.loads(unseal(key, header_box), fmt=plistlib.FMT_BINARY)
-    print("keys=" + ",".join(header.keys()))
-    print("id=" + header["id"])
-    print(f"lockedAt={seconds(header['lockedAt']):.6f}")
+    print(f"header={','.join(header)}|{header['id']}|{seconds(header['lockedAt']):.6f}")
     shot = header["shot"]
-    print("shot.path=" + shot["path"])
-    print(f"shot.size={shot['size']}")
-    print(f"shot.modified={seconds(shot['modified']):.6f}")
-    print("shot.guess=" + shot["guess"])
-    print("shot.flags=" + ",".join(sorted(shot["flags"])))
-    print("shot.lines=" + "|".join(line["text"] for line in shot["lines"]))
+    lines = ";".join(line["text"] for line in shot["lines"])
+    print(f"shot={shot['path']}|{shot['size']}|{seconds(shot['modified']):.6f}|{shot['guess']}|"
+          f"{','.join(sorted(shot['flags']))}|{lines}")
     print("body=" + unseal(key, body_box).hex())
 
 

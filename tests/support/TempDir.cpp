@@ -40,6 +40,14 @@ std::string readFile(const std::string& path) {
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
+std::set<std::string> namesIn(const std::string& folder) {
+    std::set<std::string> names;
+    std::error_code ec;
+    for (const auto& entry : fs::directory_iterator(folder, ec))
+        names.insert(entry.path().filename().string());
+    return names;
+}
+
 bool runningAsRoot() { return geteuid() == 0; }
 
 } // namespace lumivale::test

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 #include <string>
 
 namespace lumivale::test {
@@ -27,6 +28,8 @@ private:
 std::string writeFile(const std::string& path, const std::string& bytes);
 // The whole file, or an empty string when it cannot be read.
 std::string readFile(const std::string& path);
+// The names of a folder's entries; none when it cannot be listed.
+std::set<std::string> namesIn(const std::string& folder);
 // Whether the tests run as root, for whom permissions do not hold.
 bool runningAsRoot();
 
