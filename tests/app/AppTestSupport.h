@@ -8,32 +8,22 @@
 #include "core/Reading.h"
 #include "support/TempDir.h"
 
-#include <QFont>
 #include <QGuiApplication>
-#include <QImage>
 #include <QPainter>
 #include <QPointer>
 #include <QSettings>
-#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <memory>
-#include <ostream>
 #include <set>
-#include <string>
 #include <sys/stat.h>
-#include <vector>
 
 namespace lumivale::test {
 
 inline void ensureQtApp() {
     static int argc = 1;
-    static char name[] = "lumivale-test";
-    static char* argv[] = {name, nullptr};
-    static QGuiApplication* app =
-        QGuiApplication::instance() ? nullptr : new QGuiApplication(argc, argv);
-    (void)app;
+    static char name[] = "lumivale-test", *argv[] = {name, nullptr};
+    if (!QGuiApplication::instance()) new QGuiApplication(argc, argv);
 }
 
 // A scheduler whose clock only moves when the test says so.
@@ -134,50 +124,37 @@ inline Shot readShotOf(const std::string& path, Shelf guess, std::vector<std::st
 
 // A Trash of the test's own: files are moved into `folder` (numbered when the name is taken)
 // and the new place is reported; paths in `refused` are turned away with `reason`.
-class FolderTrash {
-  public:
-    explicit FolderTrash(std::string folder) : folder_(std::move(folder)) {}
-
+struct FolderTrash {
+    const std::string folder;
     std::set<std::string> refused;
-    std::string reason = "The Trash is not available";
 
-    const std::string& folder() const { return folder_; }
-    // What the folder holds, by name.
-    std::set<std::string> names() const {
-        std::set<std::string> out;
+    // How many files the folder holds.
+    size_t size() const {
         std::error_code ec;
-        for (const auto& entry : std::filesystem::directory_iterator(folder_, ec))
-            out.insert(entry.path().filename().string());
-        return out;
+        return size_t(std::distance(std::filesystem::directory_iterator(folder, ec), {}));
     }
 
     Trasher trasher() {
         return [this](const std::string& path) {
-            if (refused.count(path)) return TrashOutcome::failure(reason);
+            if (refused.count(path)) return TrashOutcome::failure("The Trash is not available");
             namespace fs = std::filesystem;
-            fs::create_directories(folder_);
-            std::string target = folder_ + "/" + fs::path(path).filename().string();
+            fs::create_directories(folder);
+            const std::string name = fs::path(path).filename().string();
+            std::string target = folder + "/" + name;
             for (int n = 2; fs::exists(target); ++n)
-                target =
-                    folder_ + "/" + std::to_string(n) + " " + fs::path(path).filename().string();
+                target = folder + "/" + std::to_string(n) + " " + name;
             std::error_code ec;
             fs::rename(path, target, ec);
             return ec ? TrashOutcome::failure(ec.message()) : TrashOutcome::landedAt(target);
         };
     }
-
-  private:
-    std::string folder_;
 };
 
 // A keyring that refuses with this code.
-class RefusingKey : public VaultKeySource {
-  public:
-    explicit RefusingKey(int32_t code) : code_(code) {}
-    VaultResult<VaultKey> key() override { return VaultError::keychain(code_); }
-
-  private:
-    int32_t code_;
+struct RefusingKey : VaultKeySource {
+    explicit RefusingKey(int32_t code) : code(code) {}
+    VaultResult<VaultKey> key() override { return VaultError::keychain(code); }
+    const int32_t code;
 };
 
 // A question the model put to the user.
@@ -200,6 +177,12 @@ class World {
         settings.setValue("watchFolders", false);
     }
 
+    // The model's source at this path, if it has one.
+    const Source* source(const std::string& path) const {
+        for (const Source& s : model->sources())
+            if (s.path == path) return &s;
+        return nullptr;
+    }
     std::string shots() const { return tmp.file("Screenshots"); }
     std::string shot(const std::string& name) const { return shots() + "/" + name; }
     std::string archive() const { return tmp.file("Archive"); }
@@ -235,6 +218,11 @@ class World {
             library.put(readShotOf(shot(name), shelf, {name}, clock - std::chrono::hours(24)));
         }
         EXPECT_TRUE(library.save(tmp.file("data/library.plist")));
+        return loaded();
+    }
+
+    // A model that has loaded what the data folder holds.
+    AppModel& loaded() {
         make().load();
         return *model;
     }
