@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 #include <set>
 #include <sys/stat.h>
+#include <tuple>
 
 namespace lumivale::test {
 
@@ -157,15 +158,8 @@ struct RefusingKey : VaultKeySource {
     const int32_t code;
 };
 
-// A question the model put to the user.
-struct Question {
-    std::string message, detail, button;
-    bool operator==(const Question&) const = default;
-};
-
-inline std::ostream& operator<<(std::ostream& out, const Question& q) {
-    return out << "{" << q.message << " | " << q.detail << " | " << q.button << "}";
-}
+// A question the model put to the user: message, detail, button.
+using Question = std::tuple<std::string, std::string, std::string>;
 
 // A model over a temporary tree whose questions, owner check, key, Trash, clock, timers and
 // reader the test holds. Folder watching is off unless a test turns it on.
