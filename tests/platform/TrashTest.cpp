@@ -45,16 +45,10 @@ std::string infoText(const std::string& path) {
 // Every test gets a Trash of its own.
 class TrashTest : public ::testing::Test {
   protected:
-    void SetUp() override {
-        setenv("XDG_DATA_HOME", data.str().c_str(), 1);
-        trash = data.file("Trash");
-    }
-    void TearDown() override { setenv("XDG_DATA_HOME", saved.c_str(), 1); }
+    void SetUp() override { setenv("XDG_DATA_HOME", data.str().c_str(), 1); }
 
-    const std::string saved = std::getenv("XDG_DATA_HOME") ? std::getenv("XDG_DATA_HOME") : "";
-    TempDir data;
-    TempDir work;
-    std::string trash;
+    TempDir data, work;
+    const std::string trash = data.file("Trash");
 };
 
 const bool haveTrashCli = test::runShell("trash-list --version >/dev/null 2>&1").has_value();
@@ -69,49 +63,42 @@ std::vector<std::string> listed(const std::string& original) {
 }
 
 TEST(TrashPath, EncodesAllButThePlainCharacters) {
-    struct Case {
+    const struct {
         std::string path, encoded;
     } cases[] = {
         {"/home/me/a-b_c.d~e/F9.png", "/home/me/a-b_c.d~e/F9.png"},
         {"/tmp/my shot 100% ü.png", "/tmp/my%20shot%20100%25%20%C3%BC.png"},
         {"/x/\n\t", "/x/%0A%09"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.path);
         EXPECT_EQ(Trash::encodePath(c.path), c.encoded);
     }
 }
 
-TEST_F(TrashTest, PutMovesTheFileAndWritesItsInfo) {
-    const std::string path = writeFile(work.file(awkwardName), "picture");
-    const TrashOutcome outcome = Trash::put(path, deletedAt);
-    ASSERT_TRUE(outcome.status.isOk()) << outcome.status.message();
-    EXPECT_EQ(outcome.place, trash + "/files/" + awkwardName);
-    EXPECT_FALSE(fs::exists(path));
-    EXPECT_EQ(readFile(trash + "/files/" + awkwardName), "picture");
-    EXPECT_EQ(readFile(trash + "/info/" + awkwardName + ".trashinfo"), infoText(path));
-}
-
-TEST_F(TrashTest, ClashingNamesGetNumbers) {
-    struct Case {
+TEST_F(TrashTest, PutMovesTheFileAndWritesItsInfoUnderAFreeName) {
+    const std::string numbered = "my shot 100% ü 2.png";
+    const struct {
         const char* name;
         std::vector<std::string> inFiles, inInfo; // what the Trash already holds
         std::string landed;
     } cases[] = {
-        {"a file of that name", {"x.png"}, {"x.png.trashinfo"}, "x 2.png"},
-        {"only an info of that name", {}, {"x.png.trashinfo"}, "x 2.png"},
+        {"an empty Trash", {}, {}, awkwardName},
+        {"a file of that name", {awkwardName}, {awkwardName + ".trashinfo"}, numbered},
+        {"only an info of that name", {}, {awkwardName + ".trashinfo"}, numbered},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         fs::remove_all(trash);
         for (const std::string& name : c.inFiles)
             writeFile(trash + "/files/" + name, "older");
         for (const std::string& name : c.inInfo)
             writeFile(trash + "/info/" + name, "older");
-        const std::string path = writeFile(work.file("x.png"), "ours");
+        const std::string path = writeFile(work.file(awkwardName), "ours");
 
         const TrashOutcome outcome = Trash::put(path, deletedAt);
         ASSERT_TRUE(outcome.status.isOk()) << outcome.status.message();
+        EXPECT_FALSE(fs::exists(path));
         EXPECT_EQ(outcome.place, trash + "/files/" + c.landed);
         EXPECT_EQ(readFile(trash + "/files/" + c.landed), "ours");
         EXPECT_EQ(readFile(trash + "/info/" + c.landed + ".trashinfo"), infoText(path));
@@ -153,7 +140,7 @@ TEST_F(TrashTest, AFileOnAnotherMountGoesToThatMountsTrash) {
         {"shared Trash without the sticky bit", Shared::notSticky, ".Trash-" + uid},
         {"shared Trash that is a link", Shared::link, ".Trash-" + uid},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         ScratchMount disk(ScratchMount::Where::ownMount);
         if (!disk.ok()) GTEST_SKIP() << disk.why();
