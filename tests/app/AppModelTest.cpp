@@ -20,32 +20,41 @@ using test::World;
 const std::vector<std::string> receipt = {"TAX INVOICE", "Subtotal 900.00", "Grand Total 1,008.00",
                                           "Thank you"};
 
-// A loaded model over the world's folders that reads with the real reader.
-AppModel& realModel(World& world) {
-    world.read = nullptr;
-    return world.loaded();
-}
-
 void scan(AppModel& model) {
     model.rescan();
     model.waitUntilIdle();
 }
 
-// (That a second scan reads nothing again is checked by tests/integration/scan-list-search.sh.)
+// (That a second scan reads nothing again: tests/integration/scan-list-search.sh.)
 TEST(AppModelTest, scanFindsReadsAndForgetsFilesWithTheRealReader) {
     World world;
     test::drawPicture(world.shot("pass.png"),
                       {"Boarding Pass", "BLR -> DEL", "Gate 22  Seat 14C", "Flight 6E 2134"});
-    AppModel& model = realModel(world);
+    test::drawPicture(world.shot("old.png"), receipt);
+    test::writeFile(world.shot("broken.png"), "not an image");
+    Shot old = test::readShotOf(world.shot("old.png"), Shelf::bills, {"TAX INVOICE"}, now());
+    old.reader = 0; // read by an older reader: read again
+    Library library;
+    library.put(old);
+    ASSERT_TRUE(library.save(world.tmp.file("data/library.plist")));
+    world.read = [&](const std::string& path, const std::vector<std::string>& languages) {
+        ++world.reads;
+        return Reader::read(path, languages);
+    };
+    AppModel& model = world.loaded();
     scan(model);
     const auto shot = [&](const char* name) { return model.library().find(world.shot(name)); };
-    ASSERT_NE(shot("pass.png"), nullptr);
+    EXPECT_EQ(world.reads, 3);
+    ASSERT_TRUE(shot("pass.png") && shot("broken.png"));
     EXPECT_EQ(shot("pass.png")->category(), Shelf::tickets);
     EXPECT_NE(shot("pass.png")->folded.find("boarding pass"), std::string::npos);
+    EXPECT_EQ(shot("old.png")->reader, readerVersion);
+    EXPECT_TRUE(shot("broken.png")->failed);
 
-    // A new file is found and read.
+    // A new file is found and read; nothing else is read twice, not even the broken file.
     test::drawPicture(world.shot("receipt.png"), receipt);
     scan(model);
+    EXPECT_EQ(world.reads, 4);
     ASSERT_NE(shot("receipt.png"), nullptr);
     EXPECT_EQ(shot("receipt.png")->category(), Shelf::bills);
 
@@ -61,31 +70,7 @@ TEST(AppModelTest, scanFindsReadsAndForgetsFilesWithTheRealReader) {
     scan(model);
     EXPECT_EQ(shot("pass.png"), nullptr);
     model.saveNow();
-    EXPECT_EQ(Library::load(model.paths().libraryFile())->size(), 1u);
-}
-
-TEST(AppModelTest, shotsOfAnOlderReaderAreReadAgainAndBrokenFilesAreMarkedOnce) {
-    World world;
-    test::drawPicture(world.shot("old.png"), receipt);
-    test::writeFile(world.shot("broken.png"), "not an image");
-    Shot old = test::readShotOf(world.shot("old.png"), Shelf::bills, {"TAX INVOICE"}, now());
-    old.reader = 0;
-    Library library;
-    library.put(old);
-    ASSERT_TRUE(library.save(world.tmp.file("data/library.plist")));
-    world.read = [&](const std::string& path, const std::vector<std::string>& languages) {
-        ++world.reads;
-        return Reader::read(path, languages);
-    };
-    AppModel& model = world.loaded();
-    scan(model);
-    EXPECT_EQ(world.reads, 2);
-    EXPECT_EQ(model.library().find(world.shot("old.png"))->reader, readerVersion);
-    const Shot* broken = model.library().find(world.shot("broken.png"));
-    ASSERT_NE(broken, nullptr);
-    EXPECT_TRUE(broken->failed);
-    scan(model);
-    EXPECT_EQ(world.reads, 2) << "nothing is read twice, not even a broken file";
+    EXPECT_EQ(Library::load(model.paths().libraryFile())->size(), 3u);
 }
 
 TEST(AppModelTest, aFolderThatCannotBeOpenedIsFlaggedAndItsShotsStay) {
@@ -100,7 +85,8 @@ TEST(AppModelTest, aFolderThatCannotBeOpenedIsFlaggedAndItsShotsStay) {
     const std::string phone = world.tmp.file("Phone");
     fs::create_directories(phone);
     test::drawPicture(phone + "/IMG_0001.png", receipt);
-    AppModel& model = realModel(world);
+    world.read = nullptr; // the real reader
+    AppModel& model = world.loaded();
     model.addFolder(phone);
     model.waitUntilIdle();
     ASSERT_NE(model.library().find(phone + "/IMG_0001.png"), nullptr);
