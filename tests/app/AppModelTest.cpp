@@ -149,12 +149,12 @@ TEST(AppModelTest, aBurstOfFileEventsCausesOneRescanAfterTheQuiet) {
     int scans = 0;
     QObject::connect(&model, &AppModel::scanningChanged, [&] { scans += model.scanning(); });
     for (int i = 0; i < 3; ++i) {
-        const int before = world.scheduler->created();
+        const int before = world.scheduler->created;
         test::writeFile(world.shot("new " + std::to_string(i) + ".png"), "x");
-        for (int spin = 0; spin < 100 && world.scheduler->created() == before; ++spin)
+        for (int spin = 0; spin < 100 && world.scheduler->created == before; ++spin)
             QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents,
                                             20);
-        ASSERT_GT(world.scheduler->created(), before) << "the watcher saw the new file";
+        ASSERT_GT(world.scheduler->created, before) << "the watcher saw the new file";
         world.scheduler->advance(500ms);
     }
     EXPECT_EQ(world.scheduler->pending(), std::vector<std::chrono::milliseconds>{700ms})

@@ -285,7 +285,7 @@ TEST(AppModelVault, theAreaClosesItselfOnTime) {
         world.open({}).start(); // listens to the application becoming active or not
         for (const Step& step : c.steps)
             step(world);
-        const auto left = c.closesAt - world.scheduler->now();
+        const auto left = c.closesAt - world.scheduler->now;
         EXPECT_EQ(world.scheduler->pending(), std::vector<std::chrono::milliseconds>{left});
         world.scheduler->advance(left - 1ms);
         EXPECT_TRUE(world.model->vaultOpen());

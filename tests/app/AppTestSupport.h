@@ -28,8 +28,7 @@ inline void ensureQtApp() {
 }
 
 // A scheduler whose clock only moves when the test says so.
-class FakeScheduler : public Scheduler {
-  public:
+struct FakeScheduler : Scheduler {
     struct Entry : Timer {
         std::chrono::milliseconds due;
         std::function<void()> run;
@@ -37,51 +36,43 @@ class FakeScheduler : public Scheduler {
         bool cancelled = false;
         void cancel() override { cancelled = true; }
     };
+    std::chrono::milliseconds now{0};
+    int created = 0; // how many calls were ever asked for
+    std::vector<std::shared_ptr<Entry>> entries;
 
     std::shared_ptr<Timer> after(std::chrono::milliseconds delay, QObject* context,
                                  std::function<void()> run) override {
         auto entry = std::make_shared<Entry>();
-        entry->due = now_ + delay;
+        entry->due = now + delay;
         entry->run = std::move(run);
         entry->context = context;
-        entries_.push_back(entry);
-        ++created_;
-        return entry;
+        ++created;
+        return entries.emplace_back(entry);
     }
-
-    // How many calls were ever asked for.
-    int created() const { return created_; }
 
     // Moves time on, running every call that falls due, in order.
     void advance(std::chrono::milliseconds by) {
-        const auto until = now_ + by;
+        const auto until = now + by;
         for (;;) {
             auto next =
-                std::min_element(entries_.begin(), entries_.end(),
+                std::min_element(entries.begin(), entries.end(),
                                  [](const auto& a, const auto& b) { return a->due < b->due; });
-            if (next == entries_.end() || (*next)->due > until) break;
-            auto entry = *next;
-            entries_.erase(next);
-            now_ = entry->due;
+            if (next == entries.end() || (*next)->due > until) break;
+            const auto entry = *next;
+            entries.erase(next);
+            now = entry->due;
             if (!entry->cancelled && entry->context) entry->run();
         }
-        now_ = until;
+        now = until;
     }
 
     // The delays of the calls still waiting, from now.
     std::vector<std::chrono::milliseconds> pending() const {
         std::vector<std::chrono::milliseconds> out;
-        for (const auto& e : entries_)
-            if (!e->cancelled) out.push_back(e->due - now_);
+        for (const auto& e : entries)
+            if (!e->cancelled) out.push_back(e->due - now);
         return out;
     }
-
-    std::chrono::milliseconds now() const { return now_; }
-
-  private:
-    std::chrono::milliseconds now_{0};
-    int created_ = 0;
-    std::vector<std::shared_ptr<Entry>> entries_;
 };
 
 // Draws dark lines of text on a light picture, big enough to read, and saves it.
