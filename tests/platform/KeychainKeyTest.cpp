@@ -3,7 +3,6 @@
 #include "platform/KeychainKey.h"
 
 #include "support/ChildRun.h"
-#include "support/TempDir.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>

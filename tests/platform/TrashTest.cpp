@@ -1,5 +1,6 @@
 #include "platform/Trash.h"
 
+#include "support/ChildRun.h"
 #include "support/ScratchMount.h"
 #include "support/TempDir.h"
 

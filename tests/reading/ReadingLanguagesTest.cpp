@@ -21,14 +21,14 @@ TEST(ReadingLanguagesTest, DefaultsPutEnglishFirstThenPreferredMatchesAndEastAsi
         const char* name;
         Tags preferred, supported, expected;
     } cases[] = {
-        {"regional variants find their language",
+        {"regions find their language",
          {"de-DE", "fr-CH"},
          {"en-US", "fr-FR", "de-DE"},
          {"en-US", "de-DE", "fr-FR"}},
         {"Japanese goes last", {"ja-JP", "en-GB"}, {"en-US", "ja-JP"}, {"en-US", "ja-JP"}},
         {"no preference, no English: the first supported", {}, {"fr-FR", "de-DE"}, {"fr-FR"}},
         {"nothing supported", {"de-DE"}, {}, {}},
-        {"the first of the language wins, even over the exact tag",
+        {"the language's first tag, even over the exact one",
          {"pt-PT"},
          {"en-US", "pt-BR", "pt-PT"},
          {"en-US", "pt-BR"}},
@@ -37,10 +37,7 @@ TEST(ReadingLanguagesTest, DefaultsPutEnglishFirstThenPreferredMatchesAndEastAsi
         {"a supported bare language", {"sv-FI"}, {"en-US", "sv"}, {"en-US", "sv"}},
         {"underscores separate too", {"nl_BE"}, {"en-US", "nl-NL"}, {"en-US", "nl-NL"}},
         {"each tag once", {"de-AT", "de-CH", "en-US"}, {"en-US", "de-DE"}, {"en-US", "de-DE"}},
-        {"unsupported preferences are dropped",
-         {"xx-YY", "fi-FI"},
-         {"en-US", "fi-FI"},
-         {"en-US", "fi-FI"}},
+        {"unsupported ones dropped", {"xx-YY", "fi-FI"}, {"en-US", "fi-FI"}, {"en-US", "fi-FI"}},
         {"no prefix match across languages", {"e"}, {"es-ES"}, {"es-ES"}},
         {"Chinese, Japanese and Korean keep their order after the rest",
          {"ko-KR", "zh-Hant", "ru-RU", "ja-JP"},

@@ -1,5 +1,6 @@
 #include "support/ChildRun.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -43,6 +44,18 @@ bool runsInChild(const ChildSetup& setup) {
         EXPECT_EQ(exit, 0) << "the child run (" << setup.name << ") failed; its output is above";
     }
     return false;
+}
+
+std::optional<std::string> runShell(const std::string& command) {
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe) return std::nullopt;
+    std::string output;
+    char buffer[4096];
+    for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+        output.append(buffer, n);
+    const int status = pclose(pipe);
+    if (status == -1 || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return std::nullopt;
+    return output;
 }
 
 } // namespace lumivale::test

@@ -4,6 +4,7 @@
 // so tests can check that other programs read what Lumivale writes, and the other way round.
 
 #include "core/Plist.h"
+#include "support/ChildRun.h"
 #include "support/TempDir.h"
 
 #include <algorithm>

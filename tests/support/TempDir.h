@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <string>
 
 namespace lumivale::test {
@@ -30,7 +29,5 @@ std::string writeFile(const std::string& path, const std::string& bytes);
 std::string readFile(const std::string& path);
 // Whether the tests run as root, for whom permissions do not hold.
 bool runningAsRoot();
-// Runs a shell command; its standard output, or nothing when it exits with a failure.
-std::optional<std::string> runShell(const std::string& command);
 
 } // namespace lumivale::test
