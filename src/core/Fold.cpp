@@ -5,15 +5,12 @@
 #include <unicode/unistr.h>
 #include <unicode/utf8.h>
 
-#include <vector>
-
 namespace lumivale {
 namespace {
 
 bool isAscii(std::string_view s) {
     for (unsigned char c : s)
-        if (c >= 0x80)
-            return false;
+        if (c >= 0x80) return false;
     return true;
 }
 
@@ -28,16 +25,51 @@ const Normalizers& normalizers() {
         UErrorCode e = U_ZERO_ERROR;
         Normalizers r{icu::Normalizer2::getNFKDInstance(e), icu::Normalizer2::getNFDInstance(e),
                       icu::Normalizer2::getNFCInstance(e)};
-        if (U_FAILURE(e))
-            std::abort(); // ICU's own data is missing: nothing can be folded.
+        if (U_FAILURE(e)) std::abort(); // ICU's own data is missing: nothing can be folded.
         return r;
     }();
     return n;
 }
 
-bool isNumeric(UChar32 c) { return u_getIntPropertyValue(c, UCHAR_NUMERIC_TYPE) != U_NT_NONE; }
+bool isNumeric(UChar32 c) {
+    return c >= 0 && u_getIntPropertyValue(c, UCHAR_NUMERIC_TYPE) != U_NT_NONE;
+}
 
-bool isSeparator(UChar32 c) { return c == ',' || c == ' ' || c == 0x00A0 || c == 0x202F; }
+// In plain ASCII only the digits are numeric; anything else is decoded and looked up.
+bool isAsciiDigit(unsigned char b) {
+    return b >= '0' && b <= '9';
+}
+
+bool numericEndsAt(std::string_view s, size_t end) {
+    if (end == 0) return false;
+    const auto b = static_cast<unsigned char>(s[end - 1]);
+    if (b < 0x80) return isAsciiDigit(b);
+    auto i = static_cast<int32_t>(end);
+    UChar32 c;
+    U8_PREV(s.data(), 0, i, c);
+    return isNumeric(c);
+}
+
+bool numericStartsAt(std::string_view s, size_t start) {
+    if (start >= s.size()) return false;
+    const auto b = static_cast<unsigned char>(s[start]);
+    if (b < 0x80) return isAsciiDigit(b);
+    auto i = static_cast<int32_t>(start);
+    UChar32 c;
+    U8_NEXT(s.data(), i, static_cast<int32_t>(s.size()), c);
+    return isNumeric(c);
+}
+
+// The length in bytes of the digit-group separator starting at `at` (comma, space, no-break
+// space U+00A0, narrow no-break space U+202F), or 0. None of their bytes can be inside
+// another character, so any byte may be tested.
+size_t separatorLength(std::string_view s, size_t at) {
+    const std::string_view rest = s.substr(at);
+    if (rest[0] == ',' || rest[0] == ' ') return 1;
+    if (rest.starts_with("\u00A0")) return 2;
+    if (rest.starts_with("\u202F")) return 3;
+    return 0;
+}
 
 } // namespace
 
@@ -45,8 +77,7 @@ std::string foldText(std::string_view s) {
     if (isAscii(s)) {
         std::string out(s);
         for (char& c : out)
-            if (c >= 'A' && c <= 'Z')
-                c = static_cast<char>(c - 'A' + 'a');
+            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
         return out;
     }
     const Normalizers& n = normalizers();
@@ -76,8 +107,7 @@ std::string foldText(std::string_view s) {
     for (int32_t i = 0; i < decomposed.length();) {
         const UChar32 c = decomposed.char32At(i);
         i += U16_LENGTH(c);
-        if (u_charType(c) != U_NON_SPACING_MARK)
-            bare.append(c);
+        if (u_charType(c) != U_NON_SPACING_MARK) bare.append(c);
     }
     const icu::UnicodeString composed = n.nfc->normalize(bare, e);
     std::string out;
@@ -85,35 +115,31 @@ std::string foldText(std::string_view s) {
     return out;
 }
 
+// A separator can only go where numbers stand on both sides, so text without numbers is
+// returned as it is.
 std::string squash(std::string_view s) {
-    // Decode once, remembering where each character starts.
-    struct Char {
-        UChar32 c;
-        int32_t start, length;
-    };
-    std::vector<Char> chars;
-    chars.reserve(s.size());
-    bool anyNumeric = false;
+    std::string out;
+    size_t kept = 0; // s before this is in out, or dropped
+    for (size_t at = 0; at < s.size(); ++at) {
+        const size_t length = separatorLength(s, at);
+        if (length && numericEndsAt(s, at) && numericStartsAt(s, at + length)) {
+            out.append(s.substr(kept, at - kept));
+            kept = at + length;
+            at = kept - 1;
+        }
+    }
+    if (kept == 0) return std::string(s);
+    out.append(s.substr(kept));
+    return out;
+}
+
+bool hasNumeric(std::string_view s) {
     for (int32_t i = 0; i < static_cast<int32_t>(s.size());) {
-        const int32_t start = i;
         UChar32 c;
         U8_NEXT(s.data(), i, static_cast<int32_t>(s.size()), c);
-        chars.push_back({c, start, i - start});
-        anyNumeric = anyNumeric || (c >= 0 && isNumeric(c));
+        if (isNumeric(c)) return true;
     }
-    if (!anyNumeric)
-        return std::string(s);
-
-    std::string out;
-    out.reserve(s.size());
-    for (size_t k = 0; k < chars.size(); ++k) {
-        const bool dropped = isSeparator(chars[k].c) && k > 0 && k + 1 < chars.size() &&
-                             chars[k - 1].c >= 0 && isNumeric(chars[k - 1].c) &&
-                             chars[k + 1].c >= 0 && isNumeric(chars[k + 1].c);
-        if (!dropped)
-            out.append(s.substr(static_cast<size_t>(chars[k].start), static_cast<size_t>(chars[k].length)));
-    }
-    return out;
+    return false;
 }
 
 } // namespace lumivale

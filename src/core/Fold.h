@@ -14,4 +14,8 @@ std::string foldText(std::string_view s);
 // number stands on both sides: "1,25,000" → "125000"; "a, b" is kept.
 std::string squash(std::string_view s);
 
+// Whether the text holds a numeric character (a digit in any script, a fraction, a numeral):
+// without one, squashing leaves text as it is.
+bool hasNumeric(std::string_view s);
+
 } // namespace lumivale

@@ -16,7 +16,7 @@ namespace lumivale {
 // Every known shot, keyed by its path, and the user's folder lists. It lives in the data folder
 // as "library.plist", a binary property list.
 class Library {
-public:
+  public:
     static constexpr int64_t currentVersion = 1;
 
     int64_t version = currentVersion;
@@ -58,7 +58,7 @@ public:
                         const std::vector<std::string>& extraFolders,
                         const std::vector<std::string>& skippedFolders);
 
-private:
+  private:
     std::vector<ShotPtr> shots_;
     // Where each path's shot stands in shots_. The keys are views of the shots' own paths, which
     // live as long as the shots do and never change.

@@ -46,64 +46,36 @@ std::string_view trimmed(std::string_view s) {
     return s.substr(static_cast<size_t>(begin), static_cast<size_t>(end - begin));
 }
 
-bool isAscii(std::string_view s) {
-    return std::all_of(s.begin(), s.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
-size_t lineFeeds(std::string_view s) {
-    return static_cast<size_t>(std::count(s.begin(), s.end(), '\n'));
-}
-
-// The position just after the `count`th line feed at or after `from`, or none.
-size_t afterLineFeeds(std::string_view s, size_t from, size_t count) {
-    for (; count > 0; --count) {
-        const size_t feed = s.find('\n', from);
-        if (feed == none) return none;
-        from = feed + 1;
-    }
-    return from;
-}
-
-// The shot's folded file name, taken from its search text instead of folding the name again
-// for every shot that a search visits. The search text is F (the folded lines, a line feed, the
-// folded name) or F, a line feed and F squashed, which has as many line feeds as F: either way
-// the name follows the line feeds that come before it in F. Folding plain ASCII only lowers
-// capitals, which is cheaper still. `scratch` holds the name when it is not a part of the text.
-std::string_view foldedName(const Shot& shot, std::string& scratch) {
-    const std::string_view name = shot.name();
-    if (isAscii(name)) {
-        scratch.assign(name);
-        for (char& c : scratch)
-            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-        return scratch;
-    }
+// The part of the shot's search text that a term must be looked for in: the plain text alone,
+// or all of it.
+std::string_view searchedText(const Shot& shot, bool plainOnly) {
     const std::string_view text = shot.folded;
-    const size_t inName = lineFeeds(name);
-    // The line feeds between the lines and after them, if the lines hold none of their own.
-    size_t before = std::max<size_t>(shot.lines.size(), 1);
-    // The texts of the lines lie apart in memory: they are read only when the count of line
-    // feeds in the search text shows that some line holds line feeds (a count that has both
-    // readings is taken as the common one, with no line feeds in the lines).
-    const size_t all = lineFeeds(text);
-    if (all != before + inName && all != 2 * (before + inName) + 1)
-        for (const TextLine& line : shot.lines)
-            before += lineFeeds(line.text);
-    const size_t start = afterLineFeeds(text, 0, before);
-    if (start == none) { // a search text that does not fit the lines: fold the name after all
-        scratch = foldText(name);
-        return scratch;
-    }
-    const size_t stop = afterLineFeeds(text, start, inName + 1);
-    return text.substr(start, stop == none ? none : stop - 1 - start);
+    return plainOnly && shot.squashedAt ? text.substr(0, shot.squashedAt - 1) : text;
 }
 
-// What one term adds to the score of a shot whose search text holds it first at `first`.
-int termScore(std::string_view text, std::string_view name, std::string_view term, size_t first) {
+// The shot's folded file name, which ends the plain part of its search text (a text read from a
+// file is taken at its word); folded afresh into `scratch` when the text holds too few lines.
+std::string_view foldedName(const Shot& shot, std::string& scratch) {
+    if (shot.nameAt) return searchedText(shot, true).substr(shot.nameAt);
+    scratch = foldText(shot.name());
+    return scratch;
+}
+
+// A term with no numbers in it (and no line feed, and more than a lone comma) is in the squashed
+// copy of a search text exactly where it is in the plain text, and starts a line there as often:
+// only the plain text need be read, and each occurrence counts twice.
+bool plainTextSuffices(std::string_view term) {
+    return term != "," && term.find('\n') == none && !hasNumeric(term);
+}
+
+// What one term adds to the score of a shot whose searched text holds it first at `first`,
+// each occurrence standing for `copies`.
+int termScore(std::string_view text, std::string_view name, std::string_view term, size_t first,
+              int copies) {
     int occurrences = 0;
     bool startsLine = false;
     for (size_t at = first; at != none; at = findText(text, term, at + term.size())) {
-        occurrences = std::min(occurrences + 1, occurrenceCap);
+        occurrences = std::min(occurrences + copies, occurrenceCap);
         startsLine = startsLine || at == 0 || text[at - 1] == '\n';
         if (occurrences == occurrenceCap && startsLine) break;
     }
@@ -122,46 +94,51 @@ constexpr size_t parallelFrom = 20000;
 
 struct Ranked {
     int score;
+    uint32_t at; // the shot's place in the list searched, which settles ties
     Date date;
-    ShotPtr shot;
+
+    bool operator<(const Ranked& o) const {
+        if (score != o.score) return score > o.score;
+        if (date != o.date) return date > o.date;
+        return at < o.at;
+    }
+};
+
+struct Term {
+    std::string_view text;
+    bool plainOnly;
 };
 
 // The matching shots, scored. `order` lists the terms longest first: a longer term is likelier
 // to rule a shot out, so it is looked for first.
-std::vector<Ranked> scoreMatches(std::span<const ShotPtr> shots,
-                                 const std::vector<std::string>& terms,
-                                 const std::vector<size_t>& order) {
+std::vector<Ranked> scoreMatches(std::span<const ShotPtr> shots, size_t offset,
+                                 const std::vector<Term>& terms, const std::vector<size_t>& order) {
     std::vector<Ranked> ranked;
     std::vector<size_t> firsts(terms.size());
     std::string nameScratch;
     for (size_t i = 0; i < shots.size(); ++i) {
         // Every shot and its texts lie somewhere else in memory: asking for those a few steps
         // ahead lets the loads overlap instead of each one waiting for the last.
-        if (i + 2 * prefetchDistance < shots.size()) {
-            const Shot* later = shots[i + 2 * prefetchDistance].get(); // several cache lines
-            __builtin_prefetch(later);
-            __builtin_prefetch(&later->lines);
-            __builtin_prefetch(&later->folded);
-        }
-        if (i + prefetchDistance < shots.size()) {
-            const Shot& next = *shots[i + prefetchDistance];
-            __builtin_prefetch(next.folded.data());
-            __builtin_prefetch(next.path.data());
-        }
-        const ShotPtr& shot = shots[i];
-        const std::string_view text = shot->folded;
+        if (i + 2 * prefetchDistance < shots.size())
+            __builtin_prefetch(&shots[i + 2 * prefetchDistance]->folded);
+        if (i + prefetchDistance < shots.size())
+            __builtin_prefetch(shots[i + prefetchDistance]->folded.data());
+        const Shot& shot = *shots[i];
         const bool all = std::all_of(order.begin(), order.end(), [&](size_t t) {
-            firsts[t] = findText(text, terms[t]);
+            firsts[t] = findText(searchedText(shot, terms[t].plainOnly), terms[t].text);
             return firsts[t] != none;
         });
         if (!all) continue;
         int score = 0;
         if (!terms.empty()) {
-            const std::string_view name = foldedName(*shot, nameScratch);
-            for (size_t t = 0; t < terms.size(); ++t)
-                score += termScore(text, name, terms[t], firsts[t]);
+            const std::string_view name = foldedName(shot, nameScratch);
+            for (size_t t = 0; t < terms.size(); ++t) {
+                const bool plainOnly = terms[t].plainOnly && shot.squashedAt;
+                score += termScore(searchedText(shot, plainOnly), name, terms[t].text, firsts[t],
+                                   plainOnly ? 2 : 1);
+            }
         }
-        ranked.push_back({score, shot->date(), shot});
+        ranked.push_back({score, static_cast<uint32_t>(offset + i), shot.date()});
     }
     return ranked;
 }
@@ -196,7 +173,7 @@ SearchQuery::SearchQuery(std::string_view typed) {
 
 bool SearchQuery::matches(const Shot& shot) const {
     return std::all_of(terms.begin(), terms.end(), [&](const std::string& term) {
-        return findText(shot.folded, term) != none;
+        return findText(searchedText(shot, plainTextSuffices(term)), term) != none;
     });
 }
 
@@ -213,32 +190,31 @@ std::vector<size_t> SearchQuery::hitLines(const Shot& shot) const {
 }
 
 std::vector<ShotPtr> SearchQuery::rank(const std::vector<ShotPtr>& shots) const {
+    std::vector<Term> looked;
+    for (const std::string& term : terms)
+        looked.push_back({term, plainTextSuffices(term)});
     std::vector<size_t> order(terms.size());
     std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(),
                      [&](size_t a, size_t b) { return terms[a].size() > terms[b].size(); });
-    // The search reads every shot's text, so a large library is split between two threads; the
-    // halves are joined in order, which keeps the sort below stable over the whole list.
+    // The search reads every shot's text, so a large library is split between two threads.
     std::vector<Ranked> ranked;
     const std::span<const ShotPtr> all(shots);
     if (shots.size() < parallelFrom || terms.empty()) {
-        ranked = scoreMatches(all, terms, order);
+        ranked = scoreMatches(all, 0, looked, order);
     } else {
         const size_t half = shots.size() / 2;
         std::vector<Ranked> second;
-        std::thread helper([&] { second = scoreMatches(all.subspan(half), terms, order); });
-        ranked = scoreMatches(all.first(half), terms, order);
+        std::thread helper([&] { second = scoreMatches(all.subspan(half), half, looked, order); });
+        ranked = scoreMatches(all.first(half), 0, looked, order);
         helper.join();
-        ranked.insert(ranked.end(), std::make_move_iterator(second.begin()),
-                      std::make_move_iterator(second.end()));
+        ranked.insert(ranked.end(), second.begin(), second.end());
     }
-    std::stable_sort(ranked.begin(), ranked.end(), [](const Ranked& a, const Ranked& b) {
-        return a.score != b.score ? a.score > b.score : a.date > b.date;
-    });
+    std::sort(ranked.begin(), ranked.end());
     std::vector<ShotPtr> out;
     out.reserve(ranked.size());
-    for (Ranked& r : ranked)
-        out.push_back(std::move(r.shot));
+    for (const Ranked& r : ranked)
+        out.push_back(shots[r.at]);
     return out;
 }
 

@@ -39,6 +39,10 @@ struct Shot {
     bool failed = false;
     int64_t reader = 0;
     std::string folded;
+    // Where the folded file name (0 when it is not found there) and the squashed copy (0 when
+    // there is none) begin in `folded`, so that a search reads only the parts it needs.
+    size_t nameAt = 0;
+    size_t squashedAt = 0;
 
     Shot() = default;
     // A new, unread shot of a file just found.
@@ -62,6 +66,8 @@ struct Shot {
     void setLines(std::vector<TextLine> newLines);
     // Recomputes the search text from the lines and the file name.
     void refold();
+    // Finds nameAt and squashedAt again, in a search text taken as it is (read from a file).
+    void locateSearchParts();
     // Whether a file of this size and modification date is still the one that was read:
     // same size, and dates less than one second apart.
     bool matches(int64_t otherSize, Date otherModified) const;

@@ -1,7 +1,11 @@
 #include "core/SearchQuery.h"
 
+#include "core/Fold.h"
+
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -170,6 +174,70 @@ TEST(SearchQueryTest, RanksByScoreThenNewestFirst) {
         for (const ShotSpec& spec : c.shots)
             shots.push_back(makeShot(spec));
         EXPECT_EQ(namesOf(SearchQuery(c.typed).rank(shots)), c.expected);
+    }
+}
+
+// The score of one shot as the ranking rule states it, read off the whole search text.
+int scoreByTheRule(const Shot& shot, const std::vector<std::string>& terms) {
+    const std::string& text = shot.folded;
+    const std::string name = foldText(shot.name());
+    int score = 0;
+    for (const std::string& term : terms) {
+        int occurrences = 0;
+        for (size_t at = text.find(term); at != std::string::npos;
+             at = text.find(term, at + term.size()))
+            ++occurrences;
+        if (occurrences == 0) return -1;
+        score += std::min(occurrences, 5);
+        score += text.starts_with(term) || text.find("\n" + term) != std::string::npos ? 2 : 0;
+        score += name.find(term) != std::string::npos ? 1 : 0;
+    }
+    return score;
+}
+
+// Words without numbers are looked for in the plain half of a search text only, and large
+// libraries are split between threads: on many made-up shots, some with search texts that are
+// not of this program's making (as a library file may hold), the order must be the rule's.
+TEST(SearchQueryTest, RanksManyShotsAsTheRuleSays) {
+    const std::vector<std::string> pieces = {"1",     "25", ",", " ",  "\u00A0", "fee", "Fée",
+                                             "total", "٣",  "a", "\n", ", 5",    "½"};
+    std::mt19937 random(11);
+    const auto text = [&](size_t count) {
+        std::string out;
+        for (size_t i = 0; i < count; ++i)
+            out += pieces[random() % pieces.size()];
+        return out;
+    };
+    std::vector<ShotPtr> shots;
+    for (int i = 0; i < 24000; ++i) {
+        Shot shot("/p/" + text(2) + ".png", 1, dateFromSeconds(random() % 50), Date{});
+        shot.modified = shot.created;
+        shot.setLines({{text(6)}, {text(6)}});
+        if (i % 10 == 0) { // written by another program: text that is not the lines'
+            const std::string plain = text(8) + "\n" + foldText(shot.name());
+            shot.folded = plain + (i % 20 ? "\n" + squash(plain) : "");
+            shot.locateSearchParts();
+        }
+        shots.push_back(std::make_shared<const Shot>(std::move(shot)));
+    }
+    for (const std::string typed :
+         {"fee", "fee total", "a", ",", "125", "1 25", "\", 5\"", "\"a\nf\"", "٣", "total 1"}) {
+        SCOPED_TRACE(typed);
+        const SearchQuery query(typed);
+        std::vector<std::pair<int, ShotPtr>> expected;
+        for (const ShotPtr& shot : shots)
+            if (const int score = scoreByTheRule(*shot, query.terms); score >= 0)
+                expected.emplace_back(score, shot);
+        std::stable_sort(expected.begin(), expected.end(), [](const auto& a, const auto& b) {
+            return a.first != b.first ? a.first > b.first : a.second->date() > b.second->date();
+        });
+        const std::vector<ShotPtr> ranked = query.rank(shots);
+        ASSERT_EQ(ranked.size(), expected.size());
+        for (size_t i = 0; i < ranked.size(); ++i) {
+            ASSERT_EQ(ranked[i].get(), expected[i].second.get())
+                << "at " << i << ": " << ranked[i]->folded;
+            ASSERT_TRUE(query.matches(*ranked[i]));
+        }
     }
 }
 

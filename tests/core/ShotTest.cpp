@@ -163,6 +163,34 @@ TEST(ShotTest, LibraryUpdatesACopy) {
     EXPECT_TRUE(library.empty());
 }
 
+// A search text read from a file is taken as it is: where its squashed copy and the folded name
+// begin is found again, and where the text is not of the usual shape nothing is made up.
+TEST(ShotTest, LocatesTheNameAndTheSquashedCopyInASearchText) {
+    const struct {
+        std::string name, text;
+        size_t nameAt, squashedAt;
+    } cases[] = {
+        {"a.png", "total 1,250\na.png\ntotal 1250\na.png", 12, 18},
+        {"a.png", "total\na.png", 6, 0},
+        {"a.png", "a\n1,5\nb\na\n15\nb", 6, 8},
+        {"a.png", "x\ny", 2, 0},          // too short to be a copy
+        {"a.png", "1,5\n1,5", 4, 0},      // not shorter
+        {"a.png", "1,5\n2\n15", 6, 0},    // an even count of line feeds
+        {"a.png", "1,5\na\nb\n16", 8, 0}, // what follows the middle line feed is no copy
+        {"x\ny.png", "t\nx\ny.png", 2, 0},
+        {"x\ny.png", "x\ny.png", 0, 0}, // too few line feeds for the name
+        {"a.png", "", 0, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        Shot shot("/p/" + c.name, 1, base, base);
+        shot.folded = c.text;
+        shot.locateSearchParts();
+        EXPECT_EQ(shot.nameAt, c.nameAt);
+        EXPECT_EQ(shot.squashedAt, c.squashedAt);
+    }
+}
+
 // Removing swaps the last shot into the hole and pruning closes ranks: after any mix of changes
 // every path must still lead to its own shot, and the list must hold each shot once.
 TEST(ShotTest, LibraryFindsEveryShotAfterAnyMixOfChanges) {
@@ -175,8 +203,12 @@ TEST(ShotTest, LibraryFindsEveryShotAfterAnyMixOfChanges) {
         const std::string line = "v" + std::to_string(step);
         switch (random() % 6) {
         case 0:
-        case 1: library.put(readShot(p, {line})), expected[p] = line; break;
-        case 2: EXPECT_EQ(library.remove(p), expected.erase(p) == 1); break;
+        case 1:
+            library.put(readShot(p, {line})), expected[p] = line;
+            break;
+        case 2:
+            EXPECT_EQ(library.remove(p), expected.erase(p) == 1);
+            break;
         case 3:
             EXPECT_EQ(library.update(p, [&](Shot& s) { s.setLines(linesOf({line})); }),
                       expected.count(p) == 1);
