@@ -62,6 +62,7 @@ Canvas receipt() {
     return canvas;
 }
 
+// Makes a picture file at `path`; false when libvips cannot write it.
 using Make = std::function<bool(const std::string& path)>;
 
 bool saveReceipt(const std::string& path) {
