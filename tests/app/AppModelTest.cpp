@@ -20,66 +20,20 @@ using test::World;
 const std::vector<std::string> receipt = {"TAX INVOICE", "Subtotal 900.00", "Grand Total 1,008.00",
                                           "Thank you"};
 
-// A loaded model over the world's folders that reads with the real reader.
-AppModel& realModel(World& world) {
-    world.read = nullptr;
-    world.make().load();
-    return *world.model;
-}
-
 void scan(AppModel& model) {
     model.rescan();
     model.waitUntilIdle();
 }
 
-const Source* sourceAt(const AppModel& model, const std::string& path) {
-    for (const Source& s : model.sources())
-        if (s.path == path) return &s;
-    return nullptr;
-}
-
+// (That a second scan reads nothing again: tests/integration/scan-list-search.sh.)
 TEST(AppModelTest, scanFindsReadsAndForgetsFilesWithTheRealReader) {
     World world;
     test::drawPicture(world.shot("pass.png"),
                       {"Boarding Pass", "BLR -> DEL", "Gate 22  Seat 14C", "Flight 6E 2134"});
-    AppModel& model = realModel(world);
-    scan(model);
-    const Shot* pass = model.library().find(world.shot("pass.png"));
-    ASSERT_NE(pass, nullptr);
-    EXPECT_EQ(pass->category(), Shelf::tickets);
-    EXPECT_NE(pass->folded.find("boarding pass"), std::string::npos);
-
-    // A new file is found and read; the known one is not read again.
-    const Date firstRead = *pass->readAt;
-    world.clock += 1h;
-    test::drawPicture(world.shot("receipt.png"), receipt);
-    scan(model);
-    ASSERT_NE(model.library().find(world.shot("receipt.png")), nullptr);
-    EXPECT_EQ(model.library().find(world.shot("receipt.png"))->category(), Shelf::bills);
-    EXPECT_EQ(*model.library().find(world.shot("pass.png"))->readAt, firstRead);
-
-    // A file rewritten with a new size is read again and keeps its hand-picked shelf.
-    model.setShelf(world.shot("receipt.png"), Shelf::other);
-    test::drawPicture(world.shot("receipt.png"), {"TAX INVOICE", "Grand Total 2,016.00"}, 1000);
-    scan(model);
-    const Shot* redone = model.library().find(world.shot("receipt.png"));
-    EXPECT_NE(redone->folded.find("2016"), std::string::npos);
-    EXPECT_EQ(redone->manual, Shelf::other);
-
-    // A deleted file drops out, from the saved library too.
-    fs::remove(world.shot("pass.png"));
-    scan(model);
-    EXPECT_EQ(model.library().find(world.shot("pass.png")), nullptr);
-    model.saveNow();
-    EXPECT_EQ(Library::load(model.paths().libraryFile())->size(), 1u);
-}
-
-TEST(AppModelTest, shotsOfAnOlderReaderAreReadAgainAndBrokenFilesAreMarkedOnce) {
-    World world;
     test::drawPicture(world.shot("old.png"), receipt);
     test::writeFile(world.shot("broken.png"), "not an image");
     Shot old = test::readShotOf(world.shot("old.png"), Shelf::bills, {"TAX INVOICE"}, now());
-    old.reader = 0;
+    old.reader = 0; // read by an older reader: read again
     Library library;
     library.put(old);
     ASSERT_TRUE(library.save(world.tmp.file("data/library.plist")));
@@ -87,16 +41,36 @@ TEST(AppModelTest, shotsOfAnOlderReaderAreReadAgainAndBrokenFilesAreMarkedOnce) 
         ++world.reads;
         return Reader::read(path, languages);
     };
-    AppModel& model = world.make();
-    model.load();
+    AppModel& model = world.loaded();
     scan(model);
-    EXPECT_EQ(world.reads, 2);
-    EXPECT_EQ(model.library().find(world.shot("old.png"))->reader, readerVersion);
-    const Shot* broken = model.library().find(world.shot("broken.png"));
-    ASSERT_NE(broken, nullptr);
-    EXPECT_TRUE(broken->failed);
+    const auto shot = [&](const char* name) { return model.library().find(world.shot(name)); };
+    EXPECT_EQ(world.reads, 3);
+    ASSERT_TRUE(shot("pass.png") && shot("broken.png"));
+    EXPECT_EQ(shot("pass.png")->category(), Shelf::tickets);
+    EXPECT_NE(shot("pass.png")->folded.find("boarding pass"), std::string::npos);
+    EXPECT_EQ(shot("old.png")->reader, readerVersion);
+    EXPECT_TRUE(shot("broken.png")->failed);
+
+    // A new file is found and read; nothing else is read twice, not even the broken file.
+    test::drawPicture(world.shot("receipt.png"), receipt);
     scan(model);
-    EXPECT_EQ(world.reads, 2) << "nothing is read twice, not even a broken file";
+    EXPECT_EQ(world.reads, 4);
+    ASSERT_NE(shot("receipt.png"), nullptr);
+    EXPECT_EQ(shot("receipt.png")->category(), Shelf::bills);
+
+    // A file rewritten with a new size is read again and keeps its hand-picked shelf.
+    model.setShelf(world.shot("receipt.png"), Shelf::other);
+    test::drawPicture(world.shot("receipt.png"), {"TAX INVOICE", "Grand Total 2,016.00"}, 1000);
+    scan(model);
+    EXPECT_NE(shot("receipt.png")->folded.find("2016"), std::string::npos);
+    EXPECT_EQ(shot("receipt.png")->manual, Shelf::other);
+
+    // A deleted file drops out, from the saved library too.
+    fs::remove(world.shot("pass.png"));
+    scan(model);
+    EXPECT_EQ(shot("pass.png"), nullptr);
+    model.saveNow();
+    EXPECT_EQ(Library::load(model.paths().libraryFile())->size(), 3u);
 }
 
 TEST(AppModelTest, aFolderThatCannotBeOpenedIsFlaggedAndItsShotsStay) {
@@ -111,20 +85,21 @@ TEST(AppModelTest, aFolderThatCannotBeOpenedIsFlaggedAndItsShotsStay) {
     const std::string phone = world.tmp.file("Phone");
     fs::create_directories(phone);
     test::drawPicture(phone + "/IMG_0001.png", receipt);
-    AppModel& model = realModel(world);
+    world.read = nullptr; // the real reader
+    AppModel& model = world.loaded();
     model.addFolder(phone);
     model.waitUntilIdle();
     ASSERT_NE(model.library().find(phone + "/IMG_0001.png"), nullptr);
 
     fs::permissions(phone, fs::perms::none);
     scan(model);
-    ASSERT_NE(sourceAt(model, phone), nullptr);
-    EXPECT_FALSE(sourceAt(model, phone)->readable);
+    ASSERT_NE(world.source(phone), nullptr);
+    EXPECT_FALSE(world.source(phone)->readable);
     EXPECT_NE(model.library().find(phone + "/IMG_0001.png"), nullptr) << "its shots are kept";
 
     fs::permissions(phone, fs::perms::owner_all);
     scan(model);
-    EXPECT_TRUE(sourceAt(model, phone)->readable);
+    EXPECT_TRUE(world.source(phone)->readable);
 }
 
 TEST(AppModelTest, readsAtMostThreeAtOnceAndSavesEveryTwentyFiveAndAtTheEnd) {
@@ -144,8 +119,7 @@ TEST(AppModelTest, readsAtMostThreeAtOnceAndSavesEveryTwentyFiveAndAtTheEnd) {
         --running;
         return reading;
     };
-    AppModel& model = world.make();
-    model.load();
+    AppModel& model = world.loaded();
     std::vector<int64_t> savedAfter;
     QObject::connect(&model, &AppModel::saved, [&](bool ok) {
         EXPECT_TRUE(ok);
@@ -169,19 +143,18 @@ TEST(AppModelTest, readsAtMostThreeAtOnceAndSavesEveryTwentyFiveAndAtTheEnd) {
 TEST(AppModelTest, aBurstOfFileEventsCausesOneRescanAfterTheQuiet) {
     World world;
     world.settings.setValue("watchFolders", true);
-    AppModel& model = world.make();
-    model.load();
+    AppModel& model = world.loaded();
     scan(model);
     model.rewatch();
     int scans = 0;
     QObject::connect(&model, &AppModel::scanningChanged, [&] { scans += model.scanning(); });
     for (int i = 0; i < 3; ++i) {
-        const int before = world.scheduler->created();
+        const int before = world.scheduler->created;
         test::writeFile(world.shot("new " + std::to_string(i) + ".png"), "x");
-        for (int spin = 0; spin < 100 && world.scheduler->created() == before; ++spin)
+        for (int spin = 0; spin < 100 && world.scheduler->created == before; ++spin)
             QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents,
                                             20);
-        ASSERT_GT(world.scheduler->created(), before) << "the watcher saw the new file";
+        ASSERT_GT(world.scheduler->created, before) << "the watcher saw the new file";
         world.scheduler->advance(500ms);
     }
     EXPECT_EQ(world.scheduler->pending(), std::vector<std::chrono::milliseconds>{700ms})
@@ -220,8 +193,7 @@ TEST(AppModelTest, settingsOfTheWrongTypeCountAsAbsent) {
 
 TEST(AppModelTest, sourcesListEachFolderOnceAndTheArchiveAlways) {
     World world;
-    AppModel& model = world.make();
-    model.load();
+    AppModel& model = world.loaded();
     fs::create_directories(world.tmp.file("Phone"));
     model.addFolder(world.shots()); // the screenshot folder itself: no change
     model.addFolder(world.tmp.file("Phone"));

@@ -8,37 +8,27 @@
 #include "core/Reading.h"
 #include "support/TempDir.h"
 
-#include <QFont>
 #include <QGuiApplication>
-#include <QImage>
 #include <QPainter>
 #include <QPointer>
 #include <QSettings>
-#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <memory>
-#include <ostream>
 #include <set>
-#include <string>
 #include <sys/stat.h>
-#include <vector>
+#include <tuple>
 
 namespace lumivale::test {
 
 inline void ensureQtApp() {
     static int argc = 1;
-    static char name[] = "lumivale-test";
-    static char* argv[] = {name, nullptr};
-    static QGuiApplication* app =
-        QGuiApplication::instance() ? nullptr : new QGuiApplication(argc, argv);
-    (void)app;
+    static char name[] = "lumivale-test", *argv[] = {name, nullptr};
+    if (!QGuiApplication::instance()) new QGuiApplication(argc, argv);
 }
 
 // A scheduler whose clock only moves when the test says so.
-class FakeScheduler : public Scheduler {
-  public:
+struct FakeScheduler : Scheduler {
     struct Entry : Timer {
         std::chrono::milliseconds due;
         std::function<void()> run;
@@ -46,51 +36,43 @@ class FakeScheduler : public Scheduler {
         bool cancelled = false;
         void cancel() override { cancelled = true; }
     };
+    std::chrono::milliseconds now{0};
+    int created = 0; // how many calls were ever asked for
+    std::vector<std::shared_ptr<Entry>> entries;
 
     std::shared_ptr<Timer> after(std::chrono::milliseconds delay, QObject* context,
                                  std::function<void()> run) override {
         auto entry = std::make_shared<Entry>();
-        entry->due = now_ + delay;
+        entry->due = now + delay;
         entry->run = std::move(run);
         entry->context = context;
-        entries_.push_back(entry);
-        ++created_;
-        return entry;
+        ++created;
+        return entries.emplace_back(entry);
     }
-
-    // How many calls were ever asked for.
-    int created() const { return created_; }
 
     // Moves time on, running every call that falls due, in order.
     void advance(std::chrono::milliseconds by) {
-        const auto until = now_ + by;
+        const auto until = now + by;
         for (;;) {
             auto next =
-                std::min_element(entries_.begin(), entries_.end(),
+                std::min_element(entries.begin(), entries.end(),
                                  [](const auto& a, const auto& b) { return a->due < b->due; });
-            if (next == entries_.end() || (*next)->due > until) break;
-            auto entry = *next;
-            entries_.erase(next);
-            now_ = entry->due;
+            if (next == entries.end() || (*next)->due > until) break;
+            const auto entry = *next;
+            entries.erase(next);
+            now = entry->due;
             if (!entry->cancelled && entry->context) entry->run();
         }
-        now_ = until;
+        now = until;
     }
 
     // The delays of the calls still waiting, from now.
     std::vector<std::chrono::milliseconds> pending() const {
         std::vector<std::chrono::milliseconds> out;
-        for (const auto& e : entries_)
-            if (!e->cancelled) out.push_back(e->due - now_);
+        for (const auto& e : entries)
+            if (!e->cancelled) out.push_back(e->due - now);
         return out;
     }
-
-    std::chrono::milliseconds now() const { return now_; }
-
-  private:
-    std::chrono::milliseconds now_{0};
-    int created_ = 0;
-    std::vector<std::shared_ptr<Entry>> entries_;
 };
 
 // Draws dark lines of text on a light picture, big enough to read, and saves it.
@@ -134,61 +116,41 @@ inline Shot readShotOf(const std::string& path, Shelf guess, std::vector<std::st
 
 // A Trash of the test's own: files are moved into `folder` (numbered when the name is taken)
 // and the new place is reported; paths in `refused` are turned away with `reason`.
-class FolderTrash {
-  public:
-    explicit FolderTrash(std::string folder) : folder_(std::move(folder)) {}
-
+struct FolderTrash {
+    const std::string folder;
     std::set<std::string> refused;
-    std::string reason = "The Trash is not available";
 
-    const std::string& folder() const { return folder_; }
-    // What the folder holds, by name.
-    std::set<std::string> names() const {
-        std::set<std::string> out;
+    // How many files the folder holds.
+    size_t size() const {
         std::error_code ec;
-        for (const auto& entry : std::filesystem::directory_iterator(folder_, ec))
-            out.insert(entry.path().filename().string());
-        return out;
+        return size_t(std::distance(std::filesystem::directory_iterator(folder, ec), {}));
     }
 
     Trasher trasher() {
         return [this](const std::string& path) {
-            if (refused.count(path)) return TrashOutcome::failure(reason);
+            if (refused.count(path)) return TrashOutcome::failure("The Trash is not available");
             namespace fs = std::filesystem;
-            fs::create_directories(folder_);
-            std::string target = folder_ + "/" + fs::path(path).filename().string();
+            fs::create_directories(folder);
+            const std::string name = fs::path(path).filename().string();
+            std::string target = folder + "/" + name;
             for (int n = 2; fs::exists(target); ++n)
-                target =
-                    folder_ + "/" + std::to_string(n) + " " + fs::path(path).filename().string();
+                target = folder + "/" + std::to_string(n) + " " + name;
             std::error_code ec;
             fs::rename(path, target, ec);
             return ec ? TrashOutcome::failure(ec.message()) : TrashOutcome::landedAt(target);
         };
     }
-
-  private:
-    std::string folder_;
 };
 
 // A keyring that refuses with this code.
-class RefusingKey : public VaultKeySource {
-  public:
-    explicit RefusingKey(int32_t code) : code_(code) {}
-    VaultResult<VaultKey> key() override { return VaultError::keychain(code_); }
-
-  private:
-    int32_t code_;
+struct RefusingKey : VaultKeySource {
+    explicit RefusingKey(int32_t code) : code(code) {}
+    VaultResult<VaultKey> key() override { return VaultError::keychain(code); }
+    const int32_t code;
 };
 
-// A question the model put to the user.
-struct Question {
-    std::string message, detail, button;
-    bool operator==(const Question&) const = default;
-};
-
-inline std::ostream& operator<<(std::ostream& out, const Question& q) {
-    return out << "{" << q.message << " | " << q.detail << " | " << q.button << "}";
-}
+// A question the model put to the user: message, detail, button.
+using Question = std::tuple<std::string, std::string, std::string>;
 
 // A model over a temporary tree whose questions, owner check, key, Trash, clock, timers and
 // reader the test holds. Folder watching is off unless a test turns it on.
@@ -200,6 +162,12 @@ class World {
         settings.setValue("watchFolders", false);
     }
 
+    // The model's source at this path, if it has one.
+    const Source* source(const std::string& path) const {
+        for (const Source& s : model->sources())
+            if (s.path == path) return &s;
+        return nullptr;
+    }
     std::string shots() const { return tmp.file("Screenshots"); }
     std::string shot(const std::string& name) const { return shots() + "/" + name; }
     std::string archive() const { return tmp.file("Archive"); }
@@ -235,6 +203,11 @@ class World {
             library.put(readShotOf(shot(name), shelf, {name}, clock - std::chrono::hours(24)));
         }
         EXPECT_TRUE(library.save(tmp.file("data/library.plist")));
+        return loaded();
+    }
+
+    // A model that has loaded what the data folder holds.
+    AppModel& loaded() {
         make().load();
         return *model;
     }

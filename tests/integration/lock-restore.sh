@@ -1,9 +1,7 @@
 #!/usr/bin/env bash
-# End to end with the real services on a temporary home: the drawn passport is locked away with
-# its key in a real keyring (gnome-keyring on a private D-Bus session) after the account password
-# is typed at the terminal prompt and checked by PAM (pam_wrapper with pam_matrix). Its original
-# goes to the Trash, the library and search forget it, the locked file gives nothing away, and
-# `restore` brings the very same bytes back.
+# End to end with real services on a temporary home: the drawn passport is locked away with its
+# key in a real keyring (gnome-keyring on a private D-Bus session) after the password typed at the
+# terminal is checked by PAM (pam_wrapper with pam_matrix); then it is listed and restored.
 set -euo pipefail
 lumivale="$1"
 here="$(cd "$(dirname "$0")" && pwd)"
@@ -11,11 +9,7 @@ if [ -z "${LUMIVALE_TEST_KEYRING:-}" ]; then
     exec bash "$here/../support/with-keyring.sh" bash "$0" "$@"
 fi
 py=/usr/bin/python3
-home="$(mktemp -d)"
-trap 'rm -rf "$home"' EXIT
-export HOME="$home" XDG_CONFIG_HOME="$home/.config" XDG_DATA_HOME="$home/.local/share"
-export XDG_CACHE_HOME="$home/.cache" LUMIVALE_DATA_DIR="$home/data"
-unset XDG_CURRENT_DESKTOP
+. "$here/../support/temp-home.sh"
 # No system bus, so no polkit: the password is asked for on the terminal and checked with PAM.
 export DBUS_SYSTEM_BUS_ADDRESS="unix:path=$home/no-system-bus"
 shots="$home/Pictures/Screenshots"

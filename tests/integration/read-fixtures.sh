@@ -69,14 +69,10 @@ if problems:
 EOF
 
 # Wrong usage is 2; a file that is not a picture is a failure (1) reported in the output.
-status=0; "$lumivale" read >/dev/null 2>&1 || status=$?
-[ "$status" -eq 2 ] || fail "read without files exited with $status"
-status=0; "$lumivale" read --frobnicate "${paths[0]}" >/dev/null 2>&1 || status=$?
-[ "$status" -eq 2 ] || fail "read with an unknown option exited with $status"
-status=0; "$lumivale" read --lang >/dev/null 2>&1 || status=$?
-[ "$status" -eq 2 ] || fail "read with --lang but no tag exited with $status"
-status=0; "$lumivale" fixtures >/dev/null 2>&1 || status=$?
-[ "$status" -eq 2 ] || fail "fixtures without a folder exited with $status"
+for usage in "read" "read --frobnicate $tmp/x.png" "read --lang" "fixtures"; do
+    status=0; "$lumivale" $usage >/dev/null 2>&1 || status=$?
+    [ "$status" -eq 2 ] || fail "'$usage' exited with $status"
+done
 
 printf 'not a picture' >"$tmp/broken.png"
 status=0

@@ -1,41 +1,56 @@
 #!/usr/bin/env bash
-# The self-check through both of its entries. `LUMIVALE_SELFTEST=DIR lumivale` passes all 47
-# checks in order, exits 0, prints the report and how long it took, and leaves only the report,
-# which does not hold the time. Without text-recognition models, `lumivale selfcheck DIR` and
-# the variable both run every check to the end, write the same report and exit 1.
-# Run as root, it runs as an ordinary user, since permissions (one check takes them away from a
-# folder) do not hold for root.
+# The self-check through both of its entries, in a home furnished as a user's, which every run
+# must leave byte for byte as it was. `LUMIVALE_SELFTEST=DIR lumivale` passes all 47 checks and
+# exits 0; without text-recognition models, it and `lumivale selfcheck DIR` report the same
+# failures and exit 1. As root it runs as "nobody": permissions do not hold for root, and one
+# check takes them away from a folder.
 set -euo pipefail
 lumivale="$1"
 dir="$(mktemp -d)"
 trap 'rm -rf "$dir"' EXIT
-# A home of its own, like every test.
-run=(env "HOME=$dir" "XDG_CONFIG_HOME=$dir/.config" "XDG_DATA_HOME=$dir/.local/share" "XDG_CACHE_HOME=$dir/.cache"
-     "XDG_STATE_HOME=$dir/.local/state" "LUMIVALE_DATA_DIR=$dir/data")
-if [ "$(id -u)" -eq 0 ]; then
-  chmod 755 "$dir"
-  chown nobody "$dir"
-  run=(setpriv --reuid=nobody --regid=nogroup --clear-groups --reset-env "${run[@]}" "PATH=$PATH" "TZ=${TZ:-}"
-       "LANG=C.UTF-8" QT_QPA_PLATFORM=offscreen OMP_THREAD_LIMIT=1)
-fi
+home="$dir/home"
+mkdir -p -m 700 "$home/.run"
+run=(env "HOME=$home" "XDG_CONFIG_HOME=$home/.config" "XDG_DATA_HOME=$home/.local/share"
+     "XDG_CACHE_HOME=$home/.cache" "XDG_STATE_HOME=$home/.local/state" "XDG_RUNTIME_DIR=$home/.run"
+     "LUMIVALE_DATA_DIR=$home/.local/share/Lumivale")
 fail() { echo "$1"; exit 1; }
 
-# Runs the self-check into $dir/$1 with the given entry ("variable" or "command") and any
-# further environment; keeps what it prints in $dir/$1.out (and .err) and gives its exit status.
+# The user's own screenshots, library, added folder, archive, settings, Trash and keyring.
+put() { mkdir -p "$(dirname "$home/$1")"; printf "$2" > "$home/$1"; }
+put .config/user-dirs.dirs 'XDG_DESKTOP_DIR="$HOME/Desktop"\nXDG_PICTURES_DIR="$HOME/Pictures"\n'
+put "Desktop/Screenshot 2024-02-03 at 10.11.12 AM.png" "a picture of the user's own"
+put Pictures/Phone/IMG_0001.png "the user's phone picture"
+put "Pictures/Lumivale Archive/Bills and receipts/Screenshot old.png" "filed long ago"
+put .config/Lumivale/Lumivale.conf '[General]\nblurPrivate=false\nwelcomeDone=true\n'
+put ".local/share/Trash/files/Screenshot gone.png" "trashed by the user"
+put ".local/share/Trash/info/Screenshot gone.png.trashinfo" \
+    "[Trash Info]\nPath=$home/Desktop/Screenshot%%20gone.png\nDeletionDate=2024-01-02T03:04:05\n"
+put .local/share/keyrings/login.keyring "the user's keyring"
+"${run[@]}" "$lumivale" fixtures "$dir/drawn" > "$dir/drawn.tsv"
+mkdir -p "$home/Pictures/Screenshots"
+cp -p "$(sed -n 1p "$dir/drawn.tsv" | cut -f4)" "$(sed -n 6p "$dir/drawn.tsv" | cut -f4)" \
+    "$home/Pictures/Screenshots/"
+if [ "$(id -u)" -eq 0 ]; then
+  chmod 755 "$dir"
+  chown -R nobody "$dir"
+  run=(setpriv --reuid=nobody --regid=nogroup --clear-groups --reset-env "${run[@]}" "PATH=$PATH"
+       "TZ=${TZ:-}" "LANG=C.UTF-8" QT_QPA_PLATFORM=offscreen OMP_THREAD_LIMIT=1)
+fi
+"${run[@]}" "$lumivale" folders add "$home/Pictures/Phone" > /dev/null
+snapshot() { (cd "$home" && find . -printf '%p %M %T@\n' -type f -exec sha256sum {} +) | sort; }
+before="$(snapshot)"
+
+# Runs the self-check into $dir/NAME through ENTRY ("variable" or "command") with any further
+# environment, keeping what it prints in $dir/NAME.out and .err; gives its exit status.
 selfcheck() {
-  local name="$1" entry="$2"
-  shift 2
-  local status=0
-  if [ "$entry" = variable ]; then
-    "${run[@]}" "$@" "LUMIVALE_SELFTEST=$dir/$name" "$lumivale" > "$dir/$name.out" 2> "$dir/$name.err" || status=$?
-  else
-    "${run[@]}" "$@" "$lumivale" selfcheck "$dir/$name" > "$dir/$name.out" 2> "$dir/$name.err" || status=$?
-  fi
+  local name="$1" how=("$lumivale" selfcheck "$dir/$1") status=0
+  [ "$2" = command ] || how=("LUMIVALE_SELFTEST=$dir/$name" "$lumivale")
+  "${run[@]}" "${@:3}" "${how[@]}" > "$dir/$name.out" 2> "$dir/$name.err" || status=$?
   return "$status"
 }
 
-# What a finished run must show: every check in order, the verdict, the report printed and then
-# the time it took, which stays out of the report; only the report left in the folder.
+# A finished run: every check and the verdict in the report, printed and then followed by the
+# time, which stays out of the report; only the report is left in its folder.
 finished() {
   local name="$1" report="$dir/$1/selftest.txt" out="$dir/$1.out"
   [ -f "$report" ] || fail "$name: no report"
@@ -66,3 +81,4 @@ done
 same() { sed 's/^\(.... renamed from its words: \).*/\1/' "$1"; }
 diff <(same "$dir/broken-command/selftest.txt") <(same "$dir/broken-variable/selftest.txt") ||
   fail "the two entries report differently"
+diff <(echo "$before") <(snapshot) || fail "the self-check changed the user's home"

@@ -1,5 +1,6 @@
 // Authentication against real PAM (through pam_wrapper, with pam_matrix checking passwords from
-// a file) and a mock polkit authority (python3-dbusmock) on a private bus.
+// a file) and a mock polkit authority (python3-dbusmock) on a private bus. Without any system bus
+// the fall-back to PAM is driven end to end by tests/integration/lock-restore.sh.
 #include "platform/Authenticator.h"
 
 #include "support/ChildRun.h"
@@ -20,11 +21,6 @@ namespace fs = std::filesystem;
 const std::string reason = "open your locked screenshots";
 const std::string rightPassword = "correct horse";
 
-std::string sourceDir() {
-    const char* dir = std::getenv("LUMIVALE_SOURCE_DIR");
-    return dir ? dir : LUMIVALE_TEST_SOURCE_DIR;
-}
-
 std::string pamMatrixModule() {
     std::error_code ec;
     for (const auto& entry : fs::directory_iterator("/usr/lib", ec))
@@ -33,35 +29,22 @@ std::string pamMatrixModule() {
     return "pam_matrix.so";
 }
 
-std::string userName() {
-    return getpwuid(getuid())->pw_name;
+// The environment that puts PAM under pam_wrapper from the process's start, with a "lumivale"
+// service in `dir` that checks passwords with pam_matrix against the file PAM_MATRIX_PASSWD names.
+std::vector<std::pair<std::string, std::string>> underPamWrapper(const test::TempDir& dir) {
+    const std::string module = pamMatrixModule();
+    test::writeFile(dir.file("services/lumivale"),
+                    "auth required " + module + "\naccount required " + module + "\n");
+    return {{"LD_PRELOAD", "libpam_wrapper.so"},
+            {"PAM_WRAPPER", "1"},
+            {"PAM_WRAPPER_SERVICE_DIR", dir.file("services")}};
 }
-
-// PAM services for pam_wrapper, each checking passwords with pam_matrix against the file that
-// PAM_MATRIX_PASSWD names when PAM runs.
-class PamServices {
-  public:
-    explicit PamServices(std::initializer_list<std::string> names) {
-        for (const std::string& name : names)
-            test::writeFile(dir_.file("services/" + name), "auth required " + pamMatrixModule() +
-                                                               "\naccount required " +
-                                                               pamMatrixModule() + "\n");
-    }
-    // The environment that puts PAM under pam_wrapper from the process's start.
-    std::vector<std::pair<std::string, std::string>> env() const {
-        return {{"LD_PRELOAD", "libpam_wrapper.so"},
-                {"PAM_WRAPPER", "1"},
-                {"PAM_WRAPPER_SERVICE_DIR", dir_.file("services")}};
-    }
-
-  private:
-    test::TempDir dir_;
-};
 
 // Makes pam_matrix know the user with this password, allowed to use `service`.
 void knowUser(const test::TempDir& dir, const std::string& password, const std::string& service) {
-    const std::string passdb = test::writeFile(dir.file("passdb-" + service),
-                                               userName() + ":" + password + ":" + service + "\n");
+    const std::string passdb =
+        test::writeFile(dir.file("passdb-" + service), std::string(getpwuid(getuid())->pw_name) +
+                                                           ":" + password + ":" + service + "\n");
     setenv("PAM_MATRIX_PASSWD", passdb.c_str(), 1);
 }
 
@@ -79,27 +62,23 @@ struct Prompt {
     }
 };
 
-struct PamCase {
-    const char* name;
-    std::optional<std::string> typed;
-    const char* allowedService;
-    bool expected;
-};
-
-const PamCase pamCases[] = {
-    {"right password", rightPassword, "lumivale", true},
-    {"wrong password", "correct horse!", "lumivale", false},
-    {"cancelled prompt", std::nullopt, "lumivale", false},
-    {"account not allowed this service", rightPassword, "sshd", false},
-};
-
 TEST(PamAuthenticator, checksThePasswordAndTheAccount) {
-    const PamServices services{"lumivale"};
-    if (!test::runsInChild({"pam", {}, services.env(), 60s})) return;
-    const test::TempDir dir;
-    for (const PamCase& c : pamCases) {
+    const test::TempDir services;
+    if (!test::runsInChild({"pam", {}, underPamWrapper(services), 60s})) return;
+    const struct {
+        const char* name;
+        std::optional<std::string> typed;
+        const char* allowedService;
+        bool expected;
+    } cases[] = {
+        {"right password", rightPassword, "lumivale", true},
+        {"wrong password", "correct horse!", "lumivale", false},
+        {"cancelled prompt", std::nullopt, "lumivale", false},
+        {"account not allowed this service", rightPassword, "sshd", false},
+    };
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        knowUser(dir, rightPassword, c.allowedService);
+        knowUser(services, rightPassword, c.allowedService);
         Prompt prompt{c.typed, {}};
         PamAuthenticator pam(prompt.function());
         EXPECT_EQ(pam.authenticate(reason), c.expected);
@@ -121,26 +100,21 @@ std::string checkAuthorizationDoing(const std::string& code) {
     return "'' CheckAuthorization '(sa{sv})sa{ss}us' '(bba{ss})' \"" + code + "\"";
 }
 
-struct PolkitCase {
-    const char* name;
-    const char* method; // what the authority is told before the case, in this order
-    std::string args;
-    std::optional<std::string> typed;
-    bool expected;
-    bool asksForPassword;
-};
-
 TEST(PolkitAuthenticator, followsTheAuthorityAndFallsBackToPamWhenItCannotDecide) {
-    const PamServices services{"lumivale"};
-    std::vector<std::string> wrapper{"bash", sourceDir() + "/tests/support/with-polkit-mock.sh",
-                                     "env"};
-    for (const auto& [key, value] : services.env())
+    const test::TempDir services;
+    std::vector<std::string> wrapper{
+        "bash", LUMIVALE_TEST_SOURCE_DIR "/tests/support/with-polkit-mock.sh", "env"};
+    for (const auto& [key, value] : underPamWrapper(services))
         wrapper.push_back(key + "=" + value);
     if (!test::runsInChild({"polkit", wrapper, {}, 90s})) return;
-    const test::TempDir dir;
-    knowUser(dir, rightPassword, "lumivale");
-
-    const PolkitCase cases[] = {
+    knowUser(services, rightPassword, "lumivale");
+    const struct {
+        const char* name;
+        const char* method; // what the authority is told before the case, in this order
+        std::string args;
+        std::optional<std::string> typed;
+        bool expected, asksForPassword;
+    } cases[] = {
         {"refused", nullptr, "", rightPassword, false, false},
         {"allowed", "SetAllowed", "\"['app.orvane.lumivale.unlock']\"", std::nullopt, true, false},
         {"no agent to ask: right password", "AddMethod",
@@ -152,28 +126,13 @@ TEST(PolkitAuthenticator, followsTheAuthorityAndFallsBackToPamWhenItCannotDecide
          "wrong", false, true},
         {"action not installed: right password", nullptr, "", rightPassword, true, true},
     };
-    for (const PolkitCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         if (c.method) tellAuthority(c.method, c.args);
         Prompt prompt{c.typed, {}};
         PolkitAuthenticator polkit(std::make_unique<PamAuthenticator>(prompt.function()));
         EXPECT_EQ(polkit.authenticate(reason), c.expected);
         EXPECT_EQ(prompt.asked.size(), c.asksForPassword ? 1u : 0u);
-    }
-}
-
-TEST(PolkitAuthenticator, fallsBackToPamWithoutASystemBus) {
-    const PamServices services{"lumivale"};
-    auto env = services.env();
-    env.emplace_back("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/lumivale-system-bus");
-    if (!test::runsInChild({"no-polkit", {}, env, 60s})) return;
-    const test::TempDir dir;
-    knowUser(dir, rightPassword, "lumivale");
-    for (const bool cancel : {false, true}) {
-        SCOPED_TRACE(cancel ? "cancelled" : "right password");
-        Prompt prompt{cancel ? std::nullopt : std::optional(rightPassword), {}};
-        EXPECT_EQ(systemAuthenticator(prompt.function())->authenticate(reason), !cancel);
-        EXPECT_EQ(prompt.asked, std::vector<std::string>{reason});
     }
 }
 

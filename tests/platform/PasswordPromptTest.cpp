@@ -63,26 +63,21 @@ class Terminal {
     std::string device_;
 };
 
-struct Typing {
-    const char* name;
-    std::string keys;
-    std::optional<std::string> expected;
-};
-
 TEST(TerminalPasswordPrompt, readsWhatIsTypedWithoutShowingIt) {
-    const Typing cases[] = {
+    const struct {
+        const char* name;
+        std::string keys;
+        std::optional<std::string> expected;
+    } cases[] = {
         {"enter ends", "tr0ub4dor\n", "tr0ub4dor"},
-        {"backspace takes back",
-         "tr0ub4dx\x7f"
-         "or\n",
-         "tr0ub4dor"},
+        {"backspace takes back", "tr0ub4dx\x7for\n", "tr0ub4dor"},
         {"backspace on nothing", "\x7f\x08tr0ub4dor\n", "tr0ub4dor"},
         {"ctrl+u starts over", "wrong\x15tr0ub4dor\n", "tr0ub4dor"},
         {"spaces and accents kept", " pâss wörd \n", " pâss wörd "},
         {"empty", "\n", ""},
         {"ctrl+c cancels", "tr0ub\x03", std::nullopt},
     };
-    for (const Typing& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         Terminal terminal;
         ASSERT_FALSE(terminal.device().empty());
@@ -93,10 +88,8 @@ TEST(TerminalPasswordPrompt, readsWhatIsTypedWithoutShowingIt) {
         terminal.type(c.keys);
         ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
         const auto password = answer.get();
-        ASSERT_EQ(password.has_value(), c.expected.has_value());
-        if (password) {
-            EXPECT_EQ(password->view(), *c.expected);
-        }
+        EXPECT_EQ(password ? std::optional(std::string(password->view())) : std::nullopt,
+                  c.expected);
         // Only the line end shows; echo is back on afterwards.
         EXPECT_EQ(terminal.shown(), "\r\n");
         EXPECT_TRUE(terminal.echoes());

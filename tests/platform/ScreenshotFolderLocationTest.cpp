@@ -64,41 +64,34 @@ struct Home {
     std::string path = dir.file("home");
     std::string config = path + "/.config";
 
-    Home() {
-        for (const char* folder : {"Spectacle6", "Spectacle5", "Flame", "Flame, shots", "Xfce",
-                                   "Gnome", "My Shots", "Bilder"})
+    // Writes these files, relative to home, with "{home}" in their texts standing for it.
+    explicit Home(const std::map<std::string, std::string>& files = {}) {
+        for (const char* folder :
+             {"Spectacle6", "Spectacle5", "Flame", "Flame, shots", "Xfce", "Gnome", "My Shots"})
             fs::create_directories(fs::path(path) / folder);
-    }
-    void write(const std::map<std::string, std::string>& files) const {
         for (const auto& [name, text] : files)
-            writeFile(path + "/" + name, text);
+            writeFile(path + "/" + name, withHome(text));
+    }
+    std::string withHome(std::string text) const {
+        for (size_t at = text.find("{home}"); at != std::string::npos; at = text.find("{home}", at))
+            text.replace(at, 6, path);
+        return text;
     }
 };
 
 struct LocationCase {
     std::string name;
-    std::map<std::string, std::string> files; // relative to home; "{home}" stands for it
+    std::map<std::string, std::string> files;
     bool kde;
     std::string expected; // relative to home
     std::optional<std::string> gnome = std::nullopt;
 };
 
-std::string withHome(std::string text, const std::string& home) {
-    constexpr std::string_view mark = "{home}";
-    for (size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at))
-        text.replace(at, mark.size(), home);
-    return text;
-}
-
 void check(const std::vector<LocationCase>& cases) {
     for (const LocationCase& c : cases) {
         SCOPED_TRACE(c.name);
-        Home home;
-        std::map<std::string, std::string> files;
-        for (const auto& [name, text] : c.files)
-            files[name] = withHome(text, home.path);
-        home.write(files);
-        if (c.gnome) setGnomeLocation(withHome(*c.gnome, home.path));
+        const Home home(c.files);
+        if (c.gnome) setGnomeLocation(home.withHome(*c.gnome));
         EXPECT_EQ(ScreenshotFolder::locate(home.path, home.config, c.kde),
                   home.path + "/" + c.expected);
         if (c.gnome) setGnomeLocation(std::nullopt);
@@ -162,26 +155,14 @@ TEST(ScreenshotFolderLocationTest, ReadsGnomeScreenshotsSettingLast) {
 }
 
 TEST(ScreenshotFolderLocationTest, CurrentReadsThisSession) {
-    Home home;
-    home.write({{rc, withHome(spectacle6, home.path)}, {fl, withHome(flameshot, home.path)}});
+    const Home home({{rc, spectacle6}, {fl, flameshot}});
     setenv("XDG_CONFIG_HOME", home.config.c_str(), 1);
-    const struct {
-        const char* desktop;
-        std::string expected;
-    } cases[] = {
-        {"KDE", "Spectacle6"},
-        {nullptr, "Flame"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.desktop ? c.desktop : "(unset)");
-        if (c.desktop)
-            setenv("XDG_CURRENT_DESKTOP", c.desktop, 1);
-        else
-            unsetenv("XDG_CURRENT_DESKTOP");
-        EXPECT_EQ(ScreenshotFolder::isKdeSession(c.desktop), c.expected == "Spectacle6");
-        EXPECT_EQ(ScreenshotFolder::current(home.path), home.path + "/" + c.expected);
-    }
+    setenv("XDG_CURRENT_DESKTOP", "KDE", 1);
+    EXPECT_TRUE(ScreenshotFolder::isKdeSession("KDE"));
+    EXPECT_EQ(ScreenshotFolder::current(home.path), home.path + "/Spectacle6");
     unsetenv("XDG_CURRENT_DESKTOP");
+    EXPECT_FALSE(ScreenshotFolder::isKdeSession(nullptr));
+    EXPECT_EQ(ScreenshotFolder::current(home.path), home.path + "/Flame");
 }
 
 } // namespace

@@ -26,17 +26,13 @@ class Canvas {
   public:
     Canvas(int width, int height, Colour ground) {
         startVips();
-        VipsImage* blank = nullptr;
-        VipsImage* tinted = nullptr;
-        VipsImage* bytes = nullptr;
+        VipsImage *blank = nullptr, *tinted = nullptr;
         double one[3] = {1, 1, 1};
         vips_black(&blank, width, height, "bands", 3, nullptr);
-        VipsRef<VipsImage> a(blank);
-        vips_linear(blank, &tinted, one, ground.data(), 3, nullptr);
-        VipsRef<VipsImage> b(tinted);
-        vips_cast_uchar(tinted, &bytes, nullptr);
-        VipsRef<VipsImage> c(bytes);
-        image_.reset(vips_image_copy_memory(bytes));
+        VipsRef<VipsImage> owned(blank);
+        vips_linear(blank, &tinted, one, ground.data(), 3, "uchar", TRUE, nullptr);
+        VipsRef<VipsImage> bytes(tinted);
+        image_.reset(vips_image_copy_memory(tinted));
     }
 
     int width() const { return image_->Xsize; }
@@ -117,7 +113,7 @@ class Canvas {
         return pixelsOf(bytes.get()).value();
     }
 
-private:
+  private:
     VipsRef<VipsImage> image_;
 };
 

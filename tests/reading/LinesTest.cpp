@@ -24,12 +24,11 @@ Lines::Word word(const char* text, int left, int right, Lines::PixelBox line, bo
 TEST(LinesTest, PiecesCutTheEnginesLinesAtWideGaps) {
     // Lines 20 px high: words more than 40 px apart are separate pieces.
     const Lines::PixelBox one{0, 100, 1000, 120}, two{0, 200, 1000, 220};
-    struct Case {
+    const struct {
         const char* name;
         std::vector<Lines::Word> words;
         std::vector<std::string> texts;
-    };
-    const std::vector<Case> cases{
+    } cases[] = {
         {"one line of words",
          {word("Total", 10, 60, one, true), word("paid", 70, 110, one)},
          {"Total paid"}},
@@ -45,84 +44,63 @@ TEST(LinesTest, PiecesCutTheEnginesLinesAtWideGaps) {
          {"first", "second line"}},
         {"nothing", {}, {}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         std::vector<std::string> texts;
         for (const auto& piece : Lines::pieces(c.words))
             texts.push_back(piece.text);
         EXPECT_EQ(texts, c.texts);
     }
+    // A piece's box spans its words: their outer edges, the highest top and the lowest bottom.
     const auto cut = Lines::pieces({word("Name", 10, 60, one, true), word("Priya", 70, 120, one),
                                     word("Berg", 500, 560, one)});
     ASSERT_EQ(cut.size(), 2u);
-    EXPECT_EQ(cut[0].box.left, 10);
-    EXPECT_EQ(cut[0].box.right, 120);
-    EXPECT_EQ(cut[0].box.top, 102);
-    EXPECT_EQ(cut[0].box.bottom, 119);
-    EXPECT_EQ(cut[1].box.left, 500);
+    const auto& box = cut[0].box;
+    EXPECT_EQ(std::vector({box.left, box.right, box.top, box.bottom, cut[1].box.left}),
+              std::vector({10, 120, 102, 119, 500}));
 }
 
 TEST(LinesTest, MakeTrimsTheTextAndTurnsTheBoxToTheLowerLeft) {
-    struct Case {
+    const struct {
         const char* name;
         std::string text;
-        Lines::PixelBox box;
-        int width, height;
-        std::optional<TextLine> line;
+        Lines::PixelBox box; // in a picture of 1000 × 500
+        const char* kept;    // none: no line
+        float x, y, w, h;
+    } cases[] = {
+        {"line feed goes", "Total 12\n", {100, 50, 300, 70}, "Total 12", .1f, .86f, .2f, .04f},
+        {"spaces and tabs go", " \tHi there \t\n", {0, 0, 500, 100}, "Hi there", 0, .8f, .5f, .2f},
+        {"space inside stays", "a  b", {0, 400, 1000, 500}, "a  b", 0, 0, 1, 0.2f},
+        {"only spaces", "   \t \n", {0, 0, 10, 10}, nullptr},
+        {"empty", "", {0, 0, 10, 10}, nullptr},
+        {"a line feed alone", "\n", {0, 0, 10, 10}, nullptr},
     };
-    const std::vector<Case> cases{
-        {"the engine's line feed goes",
-         "Total 12.50\n",
-         {100, 50, 300, 70},
-         1000,
-         500,
-         TextLine{"Total 12.50", 0.1f, 0.86f, 0.2f, 0.04f}},
-        {"spaces and tabs around go",
-         " \tHello world \t\n",
-         {0, 0, 500, 100},
-         1000,
-         500,
-         TextLine{"Hello world", 0.0f, 0.8f, 0.5f, 0.2f}},
-        {"space inside stays",
-         "a  b",
-         {0, 400, 1000, 500},
-         1000,
-         500,
-         TextLine{"a  b", 0.0f, 0.0f, 1.0f, 0.2f}},
-        {"only spaces", "   \t \n", {0, 0, 10, 10}, 100, 100, std::nullopt},
-        {"empty", "", {0, 0, 10, 10}, 100, 100, std::nullopt},
-        {"a line feed alone", "\n", {0, 0, 10, 10}, 100, 100, std::nullopt},
-        {"no picture", "text", {0, 0, 10, 10}, 0, 0, std::nullopt},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        const auto line = Lines::make(c.text, c.box, c.width, c.height);
-        ASSERT_EQ(line.has_value(), c.line.has_value());
+        const auto line = Lines::make(c.text, c.box, 1000, 500);
+        ASSERT_EQ(line.has_value(), c.kept != nullptr);
         if (!line) continue;
-        EXPECT_EQ(line->text, c.line->text);
-        EXPECT_FLOAT_EQ(line->x, c.line->x);
-        EXPECT_FLOAT_EQ(line->y, c.line->y);
-        EXPECT_FLOAT_EQ(line->w, c.line->w);
-        EXPECT_FLOAT_EQ(line->h, c.line->h);
+        EXPECT_EQ(line->text, c.kept);
+        for (const auto& [got, want] :
+             {std::pair{line->x, c.x}, {line->y, c.y}, {line->w, c.w}, {line->h, c.h}})
+            EXPECT_FLOAT_EQ(got, want);
     }
+    EXPECT_FALSE(Lines::make("text", {0, 0, 10, 10}, 0, 0)) << "no picture";
 }
 
 TEST(LinesTest, PrecedesReadsRowsTopDownAndEachRowLeftToRight) {
-    struct Case {
+    const struct {
         const char* name;
         TextLine a, b;
         bool aFirst, bFirst;
-    };
-    const std::vector<Case> cases{
-        {"0.005 apart: one row, left first", at("a", 0.1f, 0.500f), at("b", 0.5f, 0.505f), true,
-         false},
-        {"0.01 apart: higher first though right", at("a", 0.1f, 0.50f), at("b", 0.5f, 0.51f), false,
-         true},
+    } cases[] = {
+        {"0.005 apart: left first", at("a", 0.1f, 0.500f), at("b", 0.5f, 0.505f), true, false},
+        {"0.01 apart: higher first", at("a", 0.1f, 0.50f), at("b", 0.5f, 0.51f), false, true},
         {"0.008 apart still one row", at("a", 0.6f, 0.500f), at("b", 0.2f, 0.508f), false, true},
         {"just over 0.008 apart", at("a", 0.6f, 0.5090f), at("b", 0.2f, 0.5f), true, false},
         {"same place: neither first", at("a", 0.3f, 0.4f), at("b", 0.3f, 0.4f), false, false},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(Lines::precedes(c.a, c.b), c.aFirst);
         EXPECT_EQ(Lines::precedes(c.b, c.a), c.bFirst);
@@ -130,22 +108,21 @@ TEST(LinesTest, PrecedesReadsRowsTopDownAndEachRowLeftToRight) {
 }
 
 TEST(LinesTest, SortPutsLinesInReadingOrderKeepingTies) {
-    struct Case {
+    const struct {
         const char* name;
         std::vector<TextLine> lines;
         std::vector<std::string> order;
-    };
-    const std::vector<Case> cases{
+    } cases[] = {
         {"two rows given bottom-up and right-to-left",
          {at("d", 0.6f, 0.2f), at("c", 0.1f, 0.2f), at("b", 0.6f, 0.8f), at("a", 0.1f, 0.803f)},
          {"a", "b", "c", "d"}},
-        {"ties keep the given order",
-         {at("x", 0.2f, 0.5f), at("y", 0.2f, 0.5f), at("z", 0.2f, 0.5f)},
+        {"ties keep their order",
+         {at("x", .2f, .5f), at("y", .2f, .5f), at("z", .2f, .5f)},
          {"x", "y", "z"}},
         {"nothing", {}, {}},
         {"one line", {at("only", 0.5f, 0.5f)}, {"only"}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         auto lines = c.lines;
         Lines::sort(lines);

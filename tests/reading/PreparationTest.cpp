@@ -47,34 +47,6 @@ TEST(PreparationTest, LetterHeightFollowsTheFontSize) {
     }
 }
 
-TEST(PreparationTest, LetterHeightIsUnknownWithoutEnoughLetters) {
-    struct Case {
-        const char* name;
-        std::function<void(Canvas&)> draw;
-    };
-    const std::vector<Case> cases{
-        {"blank", [](Canvas&) {}},
-        {"rules and frames only",
-         [](Canvas& c) {
-             c.rect(black, 10, 10, 500, 2)
-                 .rect(black, 10, 50, 2, 200)
-                 .rect(black, 100, 100, 300, 150);
-         }},
-        {"three letters", [](Canvas& c) { c.text(black, 20, 20, "Liberation Sans 20", "abc"); }},
-        {"light text on white",
-         [](Canvas& c) {
-             c.text({200, 200, 200}, 20, 20, "Liberation Sans 20", sentence);
-         }},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        Canvas canvas(600, 300, white);
-        c.draw(canvas);
-        EXPECT_EQ(Preparation::letterHeight(canvas.grey()), 0);
-    }
-    EXPECT_EQ(Preparation::letterHeight(GrayImage{}), 0);
-}
-
 // Grey noise like a photograph's texture: light on average, specks everywhere.
 GrayImage noise(int width, int height) {
     std::mt19937 random(7);
@@ -85,34 +57,51 @@ GrayImage noise(int width, int height) {
     return image;
 }
 
-TEST(PreparationTest, APhotographIsNotTakenForText) {
-    const GrayImage texture = noise(900, 600);
-    EXPECT_EQ(Preparation::letterHeight(texture), 0);
-    EXPECT_EQ(Preparation::prepare(texture).pixels, texture.pixels);
+GrayImage drawn(const std::function<void(Canvas&)>& draw, int width = 600, int height = 300) {
+    Canvas canvas(width, height, white);
+    draw(canvas);
+    return canvas.grey();
+}
 
-    // The same with a few words on it: still mostly specks.
-    Canvas canvas(900, 600, white);
-    canvas.text(black, 20, 20, "Liberation Sans 12", sentence);
-    GrayImage withWords = canvas.grey();
-    for (size_t i = 0; i < withWords.pixels.size(); ++i)
-        withWords.pixels[i] = std::min(withWords.pixels[i], texture.pixels[i]);
-    EXPECT_EQ(Preparation::letterHeight(withWords), 0);
+TEST(PreparationTest, LetterHeightIsUnknownWithoutEnoughLetters) {
+    GrayImage photoWithWords =
+        drawn([](Canvas& c) { c.text(black, 20, 20, "Liberation Sans 12", sentence); }, 900, 600);
+    const GrayImage texture = noise(900, 600);
+    for (size_t i = 0; i < texture.pixels.size(); ++i)
+        photoWithWords.pixels[i] = std::min(photoWithWords.pixels[i], texture.pixels[i]);
+    const std::pair<const char*, GrayImage> cases[] = {
+        {"blank", drawn([](Canvas&) {})},
+        {"rules and frames only", drawn([](Canvas& c) {
+             c.rect(black, 10, 10, 500, 2)
+                 .rect(black, 10, 50, 2, 200)
+                 .rect(black, 100, 100, 300, 150);
+         })},
+        {"three letters",
+         drawn([](Canvas& c) { c.text(black, 20, 20, "Liberation Sans 20", "abc"); })},
+        {"light text on white", drawn([](Canvas& c) {
+             c.text({200, 200, 200}, 20, 20, "Liberation Sans 20", sentence);
+         })},
+        {"no picture", GrayImage{}},
+        {"a photograph", texture},
+        {"a photograph with a few words: still mostly specks", photoWithWords},
+    };
+    for (const auto& [name, image] : cases)
+        EXPECT_EQ(Preparation::letterHeight(image), 0) << name;
 }
 
 TEST(PreparationTest, ScaleBringsLettersToAGoodSizeWithinTheBudget) {
-    struct Case {
+    const struct {
         double letter;
         int width, height;
         double expected;
-    };
-    const std::vector<Case> cases{
+    } cases[] = {
         {5, 1000, 800, 2.0},       {8, 1000, 800, 1.25}, {9, 1000, 800, 1.0},
         {20, 1000, 800, 1.0},      {30, 1000, 800, 1.0}, {60, 1000, 800, 0.5},
         {120, 3000, 2000, 0.25},   {2, 1000, 800, 3.0},  {4, 1600, 1000, 2.5},
         {4, 3000, 2000, 1.632993}, {0, 1000, 800, 1.0},  {5, 0, 0, 1.0},
         {2, 6000, 6000, 1.0},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.letter << " px in " << c.width << "×" << c.height);
         EXPECT_NEAR(Preparation::scaleFor(c.letter, c.width, c.height), c.expected, 1e-5);
     }
@@ -155,19 +144,18 @@ TEST(PreparationTest, WhiteningKeepsTheInsideOfBoldLetters) {
 }
 
 TEST(PreparationTest, PrepareGivesDarkTextOnLightGroundAtAGoodSize) {
-    struct Case {
+    const struct {
         const char* name;
         test::Colour ground, ink;
         int font;
         int scale; // whether the picture is enlarged (1), kept (0) or reduced (-1)
-    };
-    const std::vector<Case> cases{
+    } cases[] = {
         {"light, small", white, black, 11, 1},
         {"dark, small", {30, 30, 30}, {220, 220, 220}, 11, 1},
         {"dark, good size", {0, 0, 0}, white, 24, 0},
         {"light, huge", white, black, 160, -1},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         Canvas canvas(c.font * 28, c.font * 5, c.ground);
         canvas.text(c.ink, c.font, c.font, "Liberation Sans " + std::to_string(c.font), sentence);
@@ -185,6 +173,8 @@ TEST(PreparationTest, PrepareGivesDarkTextOnLightGroundAtAGoodSize) {
         EXPECT_GE(letters, 9);
         EXPECT_LE(letters, 30);
     }
+    const GrayImage texture = noise(900, 600);
+    EXPECT_EQ(Preparation::prepare(texture).pixels, texture.pixels) << "a photograph is left alone";
 }
 
 } // namespace

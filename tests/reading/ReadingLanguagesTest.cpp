@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <map>
 #include <optional>
 
 namespace lumivale {
@@ -12,45 +11,24 @@ namespace {
 
 using Tags = std::vector<std::string>;
 
-// Sets (or, with nothing, unsets) environment variables for its lifetime.
-class Environment {
-  public:
-    explicit Environment(const std::map<std::string, std::optional<std::string>>& values) {
-        for (const auto& [name, value] : values) {
-            const char* old = std::getenv(name.c_str());
-            saved_[name] = old ? std::optional<std::string>(old) : std::nullopt;
-            set(name, value);
-        }
-    }
-    ~Environment() {
-        for (const auto& [name, value] : saved_)
-            set(name, value);
-    }
-
-  private:
-    static void set(const std::string& name, const std::optional<std::string>& value) {
-        if (value)
-            setenv(name.c_str(), value->c_str(), 1);
-        else
-            unsetenv(name.c_str());
-    }
-    std::map<std::string, std::optional<std::string>> saved_;
-};
+// Sets or, with nothing, unsets a variable; every test sets all it reads, so none is put back.
+void setEnv(const char* name, const std::optional<std::string>& value) {
+    value ? setenv(name, value->c_str(), 1) : unsetenv(name);
+}
 
 TEST(ReadingLanguagesTest, DefaultsPutEnglishFirstThenPreferredMatchesAndEastAsianLast) {
-    struct Case {
+    const struct {
         const char* name;
         Tags preferred, supported, expected;
-    };
-    const std::vector<Case> cases{
-        {"regional variants find their language",
+    } cases[] = {
+        {"regions find their language",
          {"de-DE", "fr-CH"},
          {"en-US", "fr-FR", "de-DE"},
          {"en-US", "de-DE", "fr-FR"}},
         {"Japanese goes last", {"ja-JP", "en-GB"}, {"en-US", "ja-JP"}, {"en-US", "ja-JP"}},
         {"no preference, no English: the first supported", {}, {"fr-FR", "de-DE"}, {"fr-FR"}},
         {"nothing supported", {"de-DE"}, {}, {}},
-        {"the first of the language wins, even over the exact tag",
+        {"the language's first tag, even over the exact one",
          {"pt-PT"},
          {"en-US", "pt-BR", "pt-PT"},
          {"en-US", "pt-BR"}},
@@ -59,53 +37,43 @@ TEST(ReadingLanguagesTest, DefaultsPutEnglishFirstThenPreferredMatchesAndEastAsi
         {"a supported bare language", {"sv-FI"}, {"en-US", "sv"}, {"en-US", "sv"}},
         {"underscores separate too", {"nl_BE"}, {"en-US", "nl-NL"}, {"en-US", "nl-NL"}},
         {"each tag once", {"de-AT", "de-CH", "en-US"}, {"en-US", "de-DE"}, {"en-US", "de-DE"}},
-        {"unsupported preferences are dropped",
-         {"xx-YY", "fi-FI"},
-         {"en-US", "fi-FI"},
-         {"en-US", "fi-FI"}},
+        {"unsupported ones dropped", {"xx-YY", "fi-FI"}, {"en-US", "fi-FI"}, {"en-US", "fi-FI"}},
         {"no prefix match across languages", {"e"}, {"es-ES"}, {"es-ES"}},
         {"Chinese, Japanese and Korean keep their order after the rest",
          {"ko-KR", "zh-Hant", "ru-RU", "ja-JP"},
          {"ja-JP", "ko-KR", "zh-Hant", "ru-RU"},
          {"ru-RU", "ko-KR", "zh-Hant", "ja-JP"}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(ReadingLanguages::defaults(c.preferred, c.supported), c.expected);
     }
 }
 
 TEST(ReadingLanguagesTest, PreferredComesFromLanguageElseTheLocale) {
-    struct Case {
-        const char* name;
-        std::optional<std::string> language, all, messages, lang;
-        Tags expected;
-    };
     const std::nullopt_t none = std::nullopt;
-    const std::vector<Case> cases{
-        {"LANGUAGE lists several",
-         "de_DE.UTF-8:fr_CH:en",
-         "C.UTF-8",
-         none,
-         none,
-         {"de-DE", "fr-CH", "en"}},
-        {"empty entries of LANGUAGE are skipped", ":pt_BR::", none, none, none, {"pt-BR"}},
-        {"empty LANGUAGE: LC_ALL", "", "de_DE.UTF-8", "fr_FR.UTF-8", "es_ES.UTF-8", {"de-DE"}},
-        {"LC_MESSAGES after LC_ALL", none, none, "pt_BR.UTF-8", "es_ES.UTF-8", {"pt-BR"}},
-        {"LANG last", none, "", "", "sv_SE.ISO-8859-1", {"sv-SE"}},
-        {"a modifier goes", none, none, none, "sr_RS@latin", {"sr-RS"}},
-        {"C names no language, and hides LANG", none, "C", none, "de_DE.UTF-8", {}},
-        {"POSIX neither", none, none, "POSIX", "de_DE.UTF-8", {}},
-        {"C.UTF-8 neither", none, "C.UTF-8", none, none, {}},
-        {"nothing set", none, none, none, none, {}},
-        {"LANGUAGE of C only: the locale", "C", "it_IT.UTF-8", none, none, {"it-IT"}},
+    const char* const names[] = {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"};
+    const struct {
+        const char* name;
+        std::optional<std::string> values[4]; // of `names`
+        Tags expected;
+    } cases[] = {
+        {"LANGUAGE lists several", {"de_DE.UTF-8:fr_CH:en", "C.UTF-8"}, {"de-DE", "fr-CH", "en"}},
+        {"empty entries of LANGUAGE are skipped", {":pt_BR::"}, {"pt-BR"}},
+        {"empty LANGUAGE: LC_ALL", {"", "de_DE.UTF-8", "fr_FR.UTF-8", "es_ES.UTF-8"}, {"de-DE"}},
+        {"LC_MESSAGES after LC_ALL", {none, none, "pt_BR.UTF-8", "es_ES.UTF-8"}, {"pt-BR"}},
+        {"LANG last", {none, "", "", "sv_SE.ISO-8859-1"}, {"sv-SE"}},
+        {"a modifier goes", {none, none, none, "sr_RS@latin"}, {"sr-RS"}},
+        {"C names no language, and hides LANG", {none, "C", none, "de_DE.UTF-8"}, {}},
+        {"POSIX neither", {none, none, "POSIX", "de_DE.UTF-8"}, {}},
+        {"C.UTF-8 neither", {none, "C.UTF-8"}, {}},
+        {"nothing set", {}, {}},
+        {"LANGUAGE of C only: the locale", {"C", "it_IT.UTF-8"}, {"it-IT"}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        const Environment env({{"LANGUAGE", c.language},
-                               {"LC_ALL", c.all},
-                               {"LC_MESSAGES", c.messages},
-                               {"LANG", c.lang}});
+        for (int i = 0; i < 4; ++i)
+            setEnv(names[i], c.values[i]);
         EXPECT_EQ(ReadingLanguages::preferred(), c.expected);
     }
 }
@@ -119,12 +87,11 @@ std::string modelFolder(const test::TempDir& dir, const std::vector<std::string>
 }
 
 TEST(ReadingLanguagesTest, SupportedListsTheInstalledModelsWithKnownTags) {
-    struct Case {
+    const struct {
         const char* name;
         std::vector<std::string> files;
         Tags expected;
-    };
-    const std::vector<Case> cases{
+    } cases[] = {
         {"known models in the table's order, helpers and strangers skipped",
          {"chi_sim.traineddata", "deu.traineddata", "eng.traineddata", "osd.traineddata",
           "equ.traineddata", "xyz.traineddata", "fra.txt", "kor.traineddata"},
@@ -133,27 +100,25 @@ TEST(ReadingLanguagesTest, SupportedListsTheInstalledModelsWithKnownTags) {
         {"no model: English", {"osd.traineddata", "readme"}, {"en-US"}},
         {"empty folder: English", {}, {"en-US"}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         test::TempDir dir;
-        const Environment env({{"TESSDATA_PREFIX", modelFolder(dir, c.files)}});
+        setEnv("TESSDATA_PREFIX", modelFolder(dir, c.files));
         EXPECT_EQ(ReadingLanguages::supported(), c.expected);
     }
-    const Environment missing({{"TESSDATA_PREFIX", std::string("/nonexistent/tessdata")}});
+    setEnv("TESSDATA_PREFIX", "/nonexistent/tessdata");
     EXPECT_EQ(ReadingLanguages::supported(), Tags{"en-US"});
 }
 
 TEST(ReadingLanguagesTest, ModelsJoinTheInstalledModelsOfTheTags) {
     test::TempDir dir;
-    const Environment env(
-        {{"TESSDATA_PREFIX",
-          modelFolder(dir, {"eng.traineddata", "deu.traineddata", "chi_tra.traineddata"})}});
-    struct Case {
+    setEnv("TESSDATA_PREFIX",
+           modelFolder(dir, {"eng.traineddata", "deu.traineddata", "chi_tra.traineddata"}));
+    const struct {
         const char* name;
         Tags tags;
         std::string expected;
-    };
-    const std::vector<Case> cases{
+    } cases[] = {
         {"in the given order", {"de-DE", "en-US"}, "deu+eng"},
         {"a region of a known language", {"en-US", "de-AT"}, "eng+deu"},
         {"each model once", {"en-US", "en-GB", "de-DE", "de-CH"}, "eng+deu"},
@@ -162,7 +127,7 @@ TEST(ReadingLanguagesTest, ModelsJoinTheInstalledModelsOfTheTags) {
         {"unknown tags", {"tlh", ""}, "eng"},
         {"no tags", {}, "eng"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(ReadingLanguages::models(c.tags), c.expected);
     }

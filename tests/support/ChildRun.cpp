@@ -1,46 +1,21 @@
 #include "support/ChildRun.h"
 
-#include <cerrno>
-#include <csignal>
+#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <map>
-#include <spawn.h>
 #include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
-
-extern char** environ;
 
 namespace lumivale::test {
 namespace {
 
 constexpr const char* marker = "LUMIVALE_TEST_CHILD";
 
-std::vector<std::string> childEnvironment(const ChildSetup& setup) {
-    std::map<std::string, std::string> vars;
-    for (char** e = environ; *e; ++e) {
-        const std::string entry(*e);
-        const auto eq = entry.find('=');
-        if (eq != std::string::npos) vars[entry.substr(0, eq)] = entry.substr(eq + 1);
-    }
-    for (const auto& [key, value] : setup.env)
-        vars[key] = value;
-    vars[marker] = setup.name;
-    std::vector<std::string> out;
-    for (const auto& [key, value] : vars)
-        out.push_back(key + "=" + value);
-    return out;
-}
-
-std::vector<char*> pointers(std::vector<std::string>& strings) {
-    std::vector<char*> out;
-    for (auto& s : strings)
-        out.push_back(s.data());
-    out.push_back(nullptr);
-    return out;
+std::string quoted(const std::string& text) {
+    std::string out = "'";
+    for (char c : text)
+        out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return out + "'";
 }
 
 } // namespace
@@ -49,48 +24,38 @@ bool runsInChild(const ChildSetup& setup) {
     const char* mark = std::getenv(marker);
     if (mark && setup.name == mark) return true;
 
+    // timeout runs the child in a process group of its own, so an overrun stops all it started.
+    std::string command = "timeout -k 5 " + std::to_string(setup.timeout.count()) + " env " +
+                          quoted(std::string(marker) + "=" + setup.name);
+    for (const auto& [key, value] : setup.env)
+        command += " " + quoted(key + "=" + value);
     const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
     std::vector<std::string> args = setup.wrapper;
     args.push_back(std::filesystem::read_symlink("/proc/self/exe").string());
     args.push_back(std::string("--gtest_filter=") + info->test_suite_name() + "." + info->name());
-    std::vector<std::string> env = childEnvironment(setup);
-    auto argv = pointers(args);
-    auto envp = pointers(env);
-
-    // The child leads a process group of its own, so an overrun kills everything it started.
-    posix_spawnattr_t attr;
-    posix_spawnattr_init(&attr);
-    posix_spawnattr_setflags(&attr, POSIX_SPAWN_SETPGROUP);
-    posix_spawnattr_setpgroup(&attr, 0);
-    pid_t pid = 0;
-    const int spawned = posix_spawnp(&pid, argv[0], nullptr, &attr, argv.data(), envp.data());
-    posix_spawnattr_destroy(&attr);
-    if (spawned != 0) {
-        ADD_FAILURE() << "could not start " << args[0] << ": " << std::strerror(spawned);
-        return false;
+    for (const std::string& arg : args)
+        command += " " + quoted(arg);
+    const int status = std::system(command.c_str());
+    const int exit = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    if (exit == 124) {
+        ADD_FAILURE() << "the child run (" << setup.name << ") took longer than "
+                      << setup.timeout.count() << " s and was stopped";
+    } else {
+        EXPECT_EQ(exit, 0) << "the child run (" << setup.name << ") failed; its output is above";
     }
-
-    const auto deadline = std::chrono::steady_clock::now() + setup.timeout;
-    int status = 0;
-    for (;;) {
-        const pid_t done = waitpid(pid, &status, WNOHANG);
-        if (done == pid) break;
-        if (done < 0 && errno != EINTR) {
-            ADD_FAILURE() << "lost the child process: " << std::strerror(errno);
-            return false;
-        }
-        if (std::chrono::steady_clock::now() > deadline) {
-            kill(-pid, SIGKILL);
-            waitpid(pid, &status, 0);
-            ADD_FAILURE() << "the child run (" << setup.name << ") took longer than "
-                          << setup.timeout.count() << " s and was stopped";
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0)
-        << "the child run (" << setup.name << ") failed; its output is above";
     return false;
+}
+
+std::optional<std::string> runShell(const std::string& command) {
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe) return std::nullopt;
+    std::string output;
+    char buffer[4096];
+    for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+        output.append(buffer, n);
+    const int status = pclose(pipe);
+    if (status == -1 || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return std::nullopt;
+    return output;
 }
 
 } // namespace lumivale::test

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,5 +23,8 @@ struct ChildSetup {
 // in a child made as `setup` says, adds a failure to the test when the child fails or
 // overruns its time (killing it), and gives false.
 bool runsInChild(const ChildSetup& setup);
+
+// Runs a shell command; its standard output, or nothing when it exits with a failure.
+std::optional<std::string> runShell(const std::string& command);
 
 } // namespace lumivale::test

@@ -4,6 +4,7 @@
 // so tests can check that other programs read what Lumivale writes, and the other way round.
 
 #include "core/Plist.h"
+#include "support/ChildRun.h"
 #include "support/TempDir.h"
 
 #include <algorithm>
@@ -15,22 +16,8 @@
 #include <optional>
 #include <sstream>
 #include <string>
-#include <sys/wait.h>
 
 namespace lumivale::test {
-
-// Runs a shell command; its standard output, or nothing when it exits with a failure.
-inline std::optional<std::string> runShell(const std::string& command) {
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return std::nullopt;
-    std::string output;
-    char buffer[4096];
-    for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-        output.append(buffer, n);
-    const int status = pclose(pipe);
-    if (status == -1 || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return std::nullopt;
-    return output;
-}
 
 // Runs a Python script (Debian's python3) with the given shell-quoted arguments.
 inline std::optional<std::string> runPython(const std::string& script, const std::string& args) {

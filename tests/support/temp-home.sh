@@ -3,5 +3,5 @@
 home="$(mktemp -d)"
 trap 'rm -rf "$home"' EXIT
 export HOME="$home" XDG_CONFIG_HOME="$home/.config" XDG_DATA_HOME="$home/.local/share"
-export LUMIVALE_DATA_DIR="$home/data"
+export XDG_CACHE_HOME="$home/.cache" LUMIVALE_DATA_DIR="$home/data"
 unset XDG_CURRENT_DESKTOP

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# Runs a command inside a private D-Bus session whose Secret Service (gnome-keyring) has a new,
-# empty, unlocked login keyring, so tests meet a real keyring and never the user's own.
-# Usage: with-keyring.sh COMMAND [ARG...]
+# Usage: with-keyring.sh COMMAND [ARG...]: runs COMMAND in a private D-Bus session whose Secret
+# Service (gnome-keyring) has a new, empty, unlocked login keyring, never the user's own.
 set -euo pipefail
 
 if [ "${1:-}" != "--inside-session" ]; then
@@ -22,8 +21,8 @@ finish() {
 }
 trap finish EXIT
 
-# The daemon alone gets the private home: its keyring files live there. --unlock makes the
-# login keyring with the password read from standard input, and it becomes the default one.
+# The daemon alone gets the private home for its keyring files; --unlock makes the login keyring,
+# the default one, with the password read from standard input.
 printf 'lumivale-test' | HOME="$home" XDG_DATA_HOME="$home/data" XDG_CONFIG_HOME="$home/config" \
     XDG_CACHE_HOME="$home/cache" XDG_RUNTIME_DIR="$home/run" \
     gnome-keyring-daemon --daemonize --unlock --components=secrets >/dev/null

@@ -1,9 +1,7 @@
 #!/usr/bin/env bash
-# Runs a command with a mock polkit authority (python3-dbusmock's polkitd template) on a private
-# D-Bus bus that stands in for the system bus (DBUS_SYSTEM_BUS_ADDRESS), so tests can decide
-# what polkit answers. The mock refuses every action until told otherwise through its
-# org.freedesktop.DBus.Mock interface.
-# Usage: with-polkit-mock.sh COMMAND [ARG...]
+# Usage: with-polkit-mock.sh COMMAND [ARG...]: runs COMMAND with a mock polkit authority
+# (python3-dbusmock's polkitd template) on a private bus standing in for the system bus. It
+# refuses every action until told otherwise through its org.freedesktop.DBus.Mock interface.
 set -euo pipefail
 
 if [ "${1:-}" != "--inside-session" ]; then
