@@ -72,20 +72,25 @@ struct Term {
     std::string_view text;
     std::string afterFeed; // the term starting a line
     bool plainOnly;
+    PairSketch pairs;
+    uint64_t lineStart;
 
     explicit Term(std::string_view term)
-        : text(term), afterFeed("\n" + std::string(term)), plainOnly(plainTextSuffices(term)) {}
+        : text(term), afterFeed("\n" + std::string(term)), plainOnly(plainTextSuffices(term)),
+          pairs(sketchPairs(term)), lineStart(lineStartBit(term)) {}
 };
 
 // What one term adds to the score of a shot whose searched text holds it first at `first`,
 // each occurrence standing for `copies`.
-int termScore(std::string_view text, std::string_view name, const Term& term, size_t first,
-              int copies) {
+int termScore(const Shot& shot, std::string_view text, std::string_view name, const Term& term,
+              size_t first, int copies) {
     int occurrences = 0;
     for (size_t at = first; at != none && occurrences < occurrenceCap;
          at = findText(text, term.text, at + term.text.size()))
         occurrences = std::min(occurrences + copies, occurrenceCap);
-    const bool startsLine = text.starts_with(term.text) || findText(text, term.afterFeed) != none;
+    const bool mayStartLine = term.lineStart == 0 || (shot.lineStarts & term.lineStart) != 0;
+    const bool startsLine =
+        mayStartLine && (text.starts_with(term.text) || findText(text, term.afterFeed) != none);
     return occurrences + (startsLine ? 2 : 0) + (findText(name, term.text) != none ? 1 : 0);
 }
 
@@ -111,14 +116,25 @@ std::vector<Ranked> scoreMatches(std::span<const ShotPtr> shots, size_t offset,
     std::vector<Ranked> ranked;
     std::vector<size_t> firsts(terms.size());
     std::string nameScratch;
+    // A shot whose sketch lacks a pair of some term's cannot match: its text is never read.
+    const auto mayMatch = [&](const Shot& shot) {
+        return std::all_of(terms.begin(), terms.end(),
+                           [&](const Term& term) { return mayHold(shot.pairs, term.pairs); });
+    };
     for (size_t i = 0; i < shots.size(); ++i) {
         // Every shot and its texts lie somewhere else in memory: asking for those a few steps
         // ahead lets the loads overlap instead of each one waiting for the last.
-        if (i + 2 * prefetchDistance < shots.size())
-            __builtin_prefetch(&shots[i + 2 * prefetchDistance]->folded);
-        if (i + prefetchDistance < shots.size())
+        if (i + 2 * prefetchDistance < shots.size()) {
+            const Shot& later = *shots[i + 2 * prefetchDistance];
+            __builtin_prefetch(&later.created); // for the dates
+            __builtin_prefetch(&later.folded);
+            __builtin_prefetch(&later.pairs.front());
+            __builtin_prefetch(&later.pairs.back());
+        }
+        if (i + prefetchDistance < shots.size() && mayMatch(*shots[i + prefetchDistance]))
             __builtin_prefetch(shots[i + prefetchDistance]->folded.data());
         const Shot& shot = *shots[i];
+        if (!mayMatch(shot)) continue;
         const bool all = std::all_of(order.begin(), order.end(), [&](size_t t) {
             firsts[t] = findText(searchedText(shot, terms[t].plainOnly), terms[t].text);
             return firsts[t] != none;
@@ -129,7 +145,7 @@ std::vector<Ranked> scoreMatches(std::span<const ShotPtr> shots, size_t offset,
             const std::string_view name = foldedName(shot, nameScratch);
             for (size_t t = 0; t < terms.size(); ++t) {
                 const bool plainOnly = terms[t].plainOnly && shot.squashedAt;
-                score += termScore(searchedText(shot, plainOnly), name, terms[t], firsts[t],
+                score += termScore(shot, searchedText(shot, plainOnly), name, terms[t], firsts[t],
                                    plainOnly ? 2 : 1);
             }
         }

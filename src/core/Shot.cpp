@@ -39,14 +39,14 @@ void Shot::setLines(std::vector<TextLine> newLines) {
 
 void Shot::refold() {
     folded = searchTextOf(lines, name());
-    locateSearchParts();
+    indexSearchText();
 }
 
 // The search text is some text T and, when squashing changes it, a line feed and T squashed. T
 // and its copy hold as many line feeds each, so the copy can only begin after the middle one of
 // an odd count; squashing drops characters, so the copy is the shorter. T ends with a line feed
 // and the folded name, which holds as many line feeds as the name.
-void Shot::locateSearchParts() {
+void Shot::indexSearchText() {
     const std::string_view text = folded;
     const auto feeds = static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
     squashedAt = 0;
@@ -65,6 +65,8 @@ void Shot::locateSearchParts() {
          n > 0 && feed != std::string_view::npos; --n)
         feed = feed == 0 ? std::string_view::npos : plain.rfind('\n', feed - 1);
     nameAt = feed == std::string_view::npos ? 0 : feed + 1;
+    pairs = sketchPairs(text);
+    lineStarts = sketchLineStarts(text);
 }
 
 bool Shot::matches(int64_t otherSize, Date otherModified) const {

@@ -2,6 +2,7 @@
 
 #include "core/Date.h"
 #include "core/Shelf.h"
+#include "core/TextSearch.h"
 
 #include <cstdint>
 #include <memory>
@@ -43,6 +44,8 @@ struct Shot {
     // there is none) begin in `folded`, so that a search reads only the parts it needs.
     size_t nameAt = 0;
     size_t squashedAt = 0;
+    PairSketch pairs{};      // of `folded`
+    uint64_t lineStarts = 0; // of `folded`
 
     Shot() = default;
     // A new, unread shot of a file just found.
@@ -66,8 +69,9 @@ struct Shot {
     void setLines(std::vector<TextLine> newLines);
     // Recomputes the search text from the lines and the file name.
     void refold();
-    // Finds nameAt and squashedAt again, in a search text taken as it is (read from a file).
-    void locateSearchParts();
+    // Finds nameAt and squashedAt, and sketches the pairs and line starts, of a search text
+    // taken as it is (read from a file).
+    void indexSearchText();
     // Whether a file of this size and modification date is still the one that was read:
     // same size, and dates less than one second apart.
     bool matches(int64_t otherSize, Date otherModified) const;

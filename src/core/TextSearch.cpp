@@ -70,6 +70,13 @@ bool hasWideSearch() {
 }
 #endif
 
+// The top `bits` bits of a Fibonacci hash of the two bytes from `at`.
+uint32_t pairHash(std::string_view text, size_t at, int bits) {
+    const uint32_t pair = uint32_t{static_cast<unsigned char>(text[at])} << 8 |
+                          static_cast<unsigned char>(text[at + 1]);
+    return (pair * 0x9E3779B1u) >> (32 - bits);
+}
+
 } // namespace
 
 size_t findText(std::string_view text, std::string_view needle, size_t from) {
@@ -78,6 +85,33 @@ size_t findText(std::string_view text, std::string_view needle, size_t from) {
     if (needle.size() >= 2 && hasWideSearch()) return findWide(text, needle, from);
 #endif
     return text.find(needle, from);
+}
+
+PairSketch sketchPairs(std::string_view text) {
+    PairSketch sketch{};
+    for (size_t i = 0; i + 1 < text.size(); ++i) {
+        const uint32_t bit = pairHash(text, i, 10);
+        sketch[bit / 64] |= uint64_t{1} << (bit % 64);
+    }
+    return sketch;
+}
+
+uint64_t lineStartBit(std::string_view needle) {
+    return needle.size() < 2 ? 0 : uint64_t{1} << pairHash(needle, 0, 6);
+}
+
+uint64_t sketchLineStarts(std::string_view text) {
+    uint64_t sketch = lineStartBit(text);
+    for (size_t feed = text.find('\n'); feed != none; feed = text.find('\n', feed + 1))
+        sketch |= lineStartBit(text.substr(feed + 1));
+    return sketch;
+}
+
+bool mayHold(const PairSketch& text, const PairSketch& needle) {
+    uint64_t missing = 0;
+    for (size_t i = 0; i < needle.size(); ++i)
+        missing |= needle[i] & ~text[i];
+    return missing == 0;
 }
 
 } // namespace lumivale

@@ -221,7 +221,7 @@ TEST(SearchQueryTest, RanksManyShotsAsTheRuleSays) {
                                           "\n" + squash(plain.substr(0, feed)) + plain.substr(feed),
                                           ""};
             shot.folded = plain + copies[i / 10 % 3];
-            shot.locateSearchParts();
+            shot.indexSearchText();
         }
         shots.push_back(std::make_shared<const Shot>(std::move(shot)));
     }

@@ -185,7 +185,7 @@ TEST(ShotTest, LocatesTheNameAndTheSquashedCopyInASearchText) {
         SCOPED_TRACE(c.text);
         Shot shot("/p/" + c.name, 1, base, base);
         shot.folded = c.text;
-        shot.locateSearchParts();
+        shot.indexSearchText();
         EXPECT_EQ(shot.nameAt, c.nameAt);
         EXPECT_EQ(shot.squashedAt, c.squashedAt);
     }

@@ -69,5 +69,33 @@ TEST(TextSearchTest, AgreesWithThePlainSearch) {
     }
 }
 
+// A sketch may let through a needle that is not in the text, but never turns away one that is,
+// nor a line start that is there; and it does turn most absent ones away.
+TEST(TextSearchTest, SketchesNeverMissWhatIsThere) {
+    const std::vector<std::string> pieces = {"a", "b", "é", "ж", "1", ",", " ", "\n", "q"};
+    std::mt19937 random(5);
+    const auto text = [&](size_t count) {
+        std::string out;
+        for (size_t i = 0; i < count; ++i)
+            out += pieces[random() % pieces.size()];
+        return out;
+    };
+    int turnedAway = 0;
+    for (int round = 0; round < 2000; ++round) {
+        const std::string haystack = text(1 + random() % 60);
+        const PairSketch pairs = sketchPairs(haystack);
+        const uint64_t lineStarts = sketchLineStarts(haystack);
+        const size_t from = random() % haystack.size();
+        const std::string needle = haystack.substr(from, 1 + random() % 6);
+        SCOPED_TRACE(haystack + " | " + needle);
+        EXPECT_TRUE(mayHold(pairs, sketchPairs(needle)));
+        if (from == 0 || haystack[from - 1] == '\n')
+            EXPECT_EQ(lineStarts & lineStartBit(needle), lineStartBit(needle));
+        const std::string other = "x" + text(3) + "y";
+        turnedAway += !mayHold(pairs, sketchPairs(other));
+    }
+    EXPECT_GT(turnedAway, 1900);
+}
+
 } // namespace
 } // namespace lumivale
