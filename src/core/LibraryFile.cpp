@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <fcntl.h>
+#include <future>
 #include <memory>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -106,18 +107,39 @@ std::optional<Library> Library::load(const std::string& file) {
     library.extraFolders = std::move(*extraFolders);
     library.skippedFolders = std::move(*skippedFolders);
     library.reserve(shots->size());
+    // Indexing the search texts is a good part of the work: another thread does it a batch at a
+    // time while the next batch is decoded.
+    std::vector<std::future<std::vector<ShotPtr>>> indexed;
+    std::vector<Shot> batch;
+    const auto handOver = [&] {
+        indexed.push_back(std::async(std::launch::async, [decoded = std::move(batch)]() mutable {
+            std::vector<ShotPtr> ready;
+            ready.reserve(decoded.size());
+            for (Shot& shot : decoded) {
+                shot.indexSearchText();
+                ready.push_back(std::make_shared<const Shot>(std::move(shot)));
+            }
+            return ready;
+        }));
+        batch.clear();
+    };
     for (size_t i = 0; i < shots->size(); ++i) {
         auto shot = readShot(*doc, shots->valueAt(i));
         // A shot filed under another path than its own means the file was not written by this
         // program: it is not trusted as a whole.
         if (!shot || !doc->keyEquals(shots->keyAt(i), shot->path)) return std::nullopt;
-        // A path can come twice when two file names differ only in bytes that are not UTF-8,
-        // which the file keeps as U+FFFD: the first stays.
-        library.add(std::make_shared<const Shot>(std::move(*shot)));
+        batch.push_back(std::move(*shot));
+        if (batch.size() == kShotsPerRelease) handOver();
         // The file is given back as it is decoded, so memory holds the shots and not the
         // file as well.
         if (i % kShotsPerRelease == kShotsPerRelease - 1) mapped->release();
     }
+    handOver();
+    // A path can come twice when two file names differ only in bytes that are not UTF-8, which
+    // the file keeps as U+FFFD: the first stays.
+    for (auto& ready : indexed)
+        for (ShotPtr& shot : ready.get())
+            library.add(std::move(shot));
     return library;
 }
 

@@ -8,7 +8,9 @@
 namespace lumivale {
 
 Shot::Shot(std::string p, int64_t sz, Date c, Date m)
-    : path(std::move(p)), size(sz), created(c), modified(m) {}
+    : path(std::move(p)), size(sz), created(c), modified(m) {
+    refold(); // the file name can be searched for before the picture is read
+}
 
 std::string_view Shot::name() const {
     const std::string_view p = path;

@@ -44,8 +44,9 @@ struct Shot {
     // there is none) begin in `folded`, so that a search reads only the parts it needs.
     size_t nameAt = 0;
     size_t squashedAt = 0;
-    PairSketch pairs{};      // of `folded`
-    uint64_t lineStarts = 0; // of `folded`
+    // Sketches of `folded` (until it is indexed, sketches that rule nothing out).
+    PairSketch pairs = anyPairs;
+    uint64_t lineStarts = ~0ull;
 
     Shot() = default;
     // A new, unread shot of a file just found.

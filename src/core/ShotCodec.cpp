@@ -230,7 +230,6 @@ std::optional<Shot> readShot(const Document& doc, Ref ref) {
         if (!readField(doc, field, dict->valueAt(i), shot, scratch)) return std::nullopt;
     }
     if ((seen & requiredFields) != requiredFields) return std::nullopt;
-    shot.indexSearchText();
     return shot;
 }
 

@@ -14,7 +14,9 @@ namespace lumivale {
 // "readAt" (only when set), "failed", "reader", "folded".
 plist::Ref writeShot(plist::Writer& writer, const Shot& shot);
 
-// The shot in this dictionary, or nothing when a required key is missing or mistyped.
+// The shot in this dictionary, or nothing when a required key is missing or mistyped. Its
+// search text is left for the caller to index (Shot::indexSearchText), which may take it
+// to another thread.
 std::optional<Shot> readShot(const plist::Document& doc, plist::Ref ref);
 
 } // namespace lumivale

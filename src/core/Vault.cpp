@@ -117,7 +117,7 @@ int readAt(int fd, std::string& into, size_t length, off_t offset) {
 }
 
 class File {
-public:
+  public:
     // O_NONBLOCK so that a named pipe in place of a file cannot hang the open.
     explicit File(const std::string& path)
         : fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
@@ -128,7 +128,7 @@ public:
     File& operator=(const File&) = delete;
     int fd() const { return fd_; }
 
-private:
+  private:
     int fd_;
 };
 
@@ -207,6 +207,7 @@ std::optional<LockedShot> decodeLockedShot(std::span<const uint8_t> bytes) {
     auto shot = readShot(*doc, *shotRef);
     const auto lockedAt = doc->date(*lockedAtRef);
     if (!id || !shot || !lockedAt) return std::nullopt;
+    shot->indexSearchText();
     return LockedShot{std::move(*id), std::move(*shot), *lockedAt};
 }
 

@@ -89,8 +89,9 @@ TEST(TextSearchTest, SketchesNeverMissWhatIsThere) {
         const std::string needle = haystack.substr(from, 1 + random() % 6);
         SCOPED_TRACE(haystack + " | " + needle);
         EXPECT_TRUE(mayHold(pairs, sketchPairs(needle)));
-        if (from == 0 || haystack[from - 1] == '\n')
+        if (from == 0 || haystack[from - 1] == '\n') {
             EXPECT_EQ(lineStarts & lineStartBit(needle), lineStartBit(needle));
+        }
         const std::string other = "x" + text(3) + "y";
         turnedAway += !mayHold(pairs, sketchPairs(other));
     }
