@@ -104,6 +104,8 @@ TEST(SearchQueryTest, MatchesEveryTermAndMarksLinesWithAny) {
         EXPECT_EQ(SearchQuery(c.typed).hitLines(*c.shot), c.hits);
     }
     EXPECT_TRUE(SearchQuery("\"late\nfee\"").matches(*split)) << "a quoted line feed reaches";
+    EXPECT_TRUE(SearchQuery("shot 7").matches(Shot("/p/Shot 7.png", 1, Date{}, Date{})))
+        << "a shot not read yet is found by its name";
 }
 
 // Each case spells out the scores in its comments; the dates are chosen so that a wrong score
