@@ -206,24 +206,41 @@ std::vector<ShotPtr> SearchQuery::rank(const std::vector<ShotPtr>& shots) const 
     std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(),
                      [&](size_t a, size_t b) { return terms[a].size() > terms[b].size(); });
-    // The search reads every shot's text, so a large library is split between two threads.
+    // A large library is split between two threads, which read, score and sort a half each.
+    const auto rankPart = [&](std::span<const ShotPtr> part, size_t offset) {
+        std::vector<Ranked> ranked = scoreMatches(part, offset, looked, order);
+        std::sort(ranked.begin(), ranked.end());
+        return ranked;
+    };
+    const auto inParallel = [](const auto& one, const auto& other) {
+        std::thread helper(other);
+        one();
+        helper.join();
+    };
     std::vector<Ranked> ranked;
     const std::span<const ShotPtr> all(shots);
-    if (shots.size() < parallelFrom || terms.empty()) {
-        ranked = scoreMatches(all, 0, looked, order);
+    if (shots.size() < parallelFrom) {
+        ranked = rankPart(all, 0);
     } else {
         const size_t half = shots.size() / 2;
-        std::vector<Ranked> second;
-        std::thread helper([&] { second = scoreMatches(all.subspan(half), half, looked, order); });
-        ranked = scoreMatches(all.first(half), 0, looked, order);
-        helper.join();
-        ranked.insert(ranked.end(), second.begin(), second.end());
+        std::vector<Ranked> first, second;
+        inParallel([&] { first = rankPart(all.first(half), 0); },
+                   [&] { second = rankPart(all.subspan(half), half); });
+        ranked.resize(first.size() + second.size());
+        std::merge(first.begin(), first.end(), second.begin(), second.end(), ranked.begin());
     }
-    std::sort(ranked.begin(), ranked.end());
-    std::vector<ShotPtr> out;
-    out.reserve(ranked.size());
-    for (const Ranked& r : ranked)
-        out.push_back(shots[r.at]);
+    // Copying the shared pointers touches every matching shot once more: the threads share that
+    // too.
+    std::vector<ShotPtr> out(ranked.size());
+    const auto copy = [&](size_t from, size_t to) {
+        for (size_t k = from; k < to; ++k)
+            out[k] = shots[ranked[k].at];
+    };
+    const size_t half = out.size() / 2;
+    if (out.size() < parallelFrom)
+        copy(0, out.size());
+    else
+        inParallel([&] { copy(0, half); }, [&] { copy(half, out.size()); });
     return out;
 }
 

@@ -16,36 +16,38 @@ constexpr size_t none = std::string_view::npos;
 #ifdef LUMIVALE_WIDE_SEARCH
 #pragma GCC push_options
 #pragma GCC target("avx2")
-// Sixty-four starts at a time: a start is worth a full comparison only where both the needle's
-// first and its last byte are in place, which in real text is rare. Needs a needle of two
-// bytes or more that fits in the text from `from` on.
+// Sixty-four starts at a time: a start is worth a full comparison only where the needle's
+// first, second and last bytes are all in place, which in real text is rare. Needs a needle of
+// two bytes or more that fits in the text from `from` on.
 size_t findWide(std::string_view text, std::string_view needle, size_t from) {
     const char* const data = text.data();
     const size_t lastAt = needle.size() - 1;
     const size_t ends = text.size() - lastAt; // every start before this leaves room for the needle
-    const char* const middle = needle.data() + 1;
-    const size_t middleSize = needle.size() - 2;
-    const __m256i firsts = _mm256_set1_epi8(needle.front());
+    // What lies between the second and the last byte (nothing for a needle of three or fewer).
+    const char* const middle = needle.data() + 2;
+    const size_t middleSize = needle.size() > 3 ? needle.size() - 3 : 0;
+    const __m256i firsts = _mm256_set1_epi8(needle[0]);
+    const __m256i seconds = _mm256_set1_epi8(needle[1]);
     const __m256i lasts = _mm256_set1_epi8(needle.back());
     // The first start in the 64 from `at` where the whole needle is in place, or none.
     const auto inBlock = [&](size_t at) {
-        const auto both = [&](size_t start) {
-            const __m256i heads =
-                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(data + start));
-            const __m256i tails =
-                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(data + start + lastAt));
-            return _mm256_and_si256(_mm256_cmpeq_epi8(heads, firsts),
-                                    _mm256_cmpeq_epi8(tails, lasts));
+        const auto candidates = [&](size_t start) {
+            const auto load = [&](size_t offset) {
+                return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(data + start + offset));
+            };
+            return _mm256_and_si256(_mm256_and_si256(_mm256_cmpeq_epi8(load(0), firsts),
+                                                     _mm256_cmpeq_epi8(load(1), seconds)),
+                                    _mm256_cmpeq_epi8(load(lastAt), lasts));
         };
-        const __m256i low = both(at);
-        const __m256i high = both(at + 32);
+        const __m256i low = candidates(at);
+        const __m256i high = candidates(at + 32);
         const __m256i any = _mm256_or_si256(low, high);
         if (_mm256_testz_si256(any, any)) return none;
         uint64_t starts = static_cast<uint32_t>(_mm256_movemask_epi8(low)) |
                           uint64_t{static_cast<uint32_t>(_mm256_movemask_epi8(high))} << 32;
         for (; starts; starts &= starts - 1) {
             const size_t start = at + static_cast<size_t>(__builtin_ctzll(starts));
-            if (std::memcmp(data + start + 1, middle, middleSize) == 0) return start;
+            if (std::memcmp(data + start + 2, middle, middleSize) == 0) return start;
         }
         return none;
     };
@@ -57,8 +59,9 @@ size_t findWide(std::string_view text, std::string_view needle, size_t from) {
         return inBlock(ends - 64);
     }
     for (size_t at = from; at < ends; ++at)
-        if (data[at] == needle.front() && data[at + lastAt] == needle.back() &&
-            std::memcmp(data + at + 1, middle, middleSize) == 0)
+        if (data[at] == needle[0] && data[at + 1] == needle[1] &&
+            data[at + lastAt] == needle.back() &&
+            std::memcmp(data + at + 2, middle, middleSize) == 0)
             return at;
     return none;
 }
