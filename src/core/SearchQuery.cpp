@@ -125,11 +125,12 @@ std::vector<Ranked> scoreMatches(std::span<const ShotPtr> shots, size_t offset,
         // Every shot and its texts lie somewhere else in memory: asking for those a few steps
         // ahead lets the loads overlap instead of each one waiting for the last.
         if (i + 2 * prefetchDistance < shots.size()) {
-            const Shot& later = *shots[i + 2 * prefetchDistance];
-            __builtin_prefetch(&later.created); // for the dates
-            __builtin_prefetch(&later.folded);
-            __builtin_prefetch(&later.pairs.front());
-            __builtin_prefetch(&later.pairs.back());
+            // The three cache lines that open a shot.
+            const char* later =
+                reinterpret_cast<const char*>(shots[i + 2 * prefetchDistance].get());
+            __builtin_prefetch(later);
+            __builtin_prefetch(later + 64);
+            __builtin_prefetch(later + 128);
         }
         if (i + prefetchDistance < shots.size() && mayMatch(*shots[i + prefetchDistance]))
             __builtin_prefetch(shots[i + prefetchDistance]->folded.data());

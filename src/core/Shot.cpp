@@ -8,7 +8,7 @@
 namespace lumivale {
 
 Shot::Shot(std::string p, int64_t sz, Date c, Date m)
-    : path(std::move(p)), size(sz), created(c), modified(m) {
+    : created(c), modified(m), path(std::move(p)), size(sz) {
     refold(); // the file name can be searched for before the picture is read
 }
 

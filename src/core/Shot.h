@@ -24,10 +24,20 @@ struct TextLine {
 
 // Everything known about one picture file.
 struct Shot {
-    std::string path;
-    int64_t size = 0;
+    // What a search reads of every shot comes first, together: the sketches of `folded` (until
+    // it is indexed, sketches that rule nothing out), where in it the folded file name (0 when it
+    // is not found there) and the squashed copy (0 when there is none) begin, the dates that
+    // order the results, and the search text itself.
+    alignas(64) PairSketch pairs = anyPairs;
+    uint64_t lineStarts = ~0ull;
+    size_t nameAt = 0;
+    size_t squashedAt = 0;
     Date created{};
     Date modified{};
+    std::string folded;
+
+    std::string path;
+    int64_t size = 0;
     int64_t pixelWidth = 0;
     int64_t pixelHeight = 0;
     std::vector<TextLine> lines;
@@ -39,14 +49,6 @@ struct Shot {
     std::optional<Date> readAt;
     bool failed = false;
     int64_t reader = 0;
-    std::string folded;
-    // Where the folded file name (0 when it is not found there) and the squashed copy (0 when
-    // there is none) begin in `folded`, so that a search reads only the parts it needs.
-    size_t nameAt = 0;
-    size_t squashedAt = 0;
-    // Sketches of `folded` (until it is indexed, sketches that rule nothing out).
-    PairSketch pairs = anyPairs;
-    uint64_t lineStarts = ~0ull;
 
     Shot() = default;
     // A new, unread shot of a file just found.
