@@ -16,6 +16,9 @@ namespace {
 constexpr size_t none = std::string_view::npos;
 constexpr int occurrenceCap = 5;
 constexpr size_t prefetchDistance = 8;
+// How much of a search text is asked for ahead of reading it: a text lies in one piece, but the
+// processor's own prefetching only starts once it sees the text read in order.
+constexpr size_t prefetchLimit = 2048;
 
 bool isQuote(UChar32 c) {
     return c == 0x0022 || c == 0x201C || c == 0x201D;
@@ -116,6 +119,9 @@ std::vector<Ranked> scoreMatches(std::span<const ShotPtr> shots, size_t offset,
     std::vector<Ranked> ranked;
     std::vector<size_t> firsts(terms.size());
     std::string nameScratch;
+    // The part of the search texts that every term is looked for in.
+    const bool plainOnly =
+        std::all_of(terms.begin(), terms.end(), [](const Term& term) { return term.plainOnly; });
     // A shot whose sketch lacks a pair of some term's cannot match: its text is never read.
     const auto mayMatch = [&](const Shot& shot) {
         return std::all_of(terms.begin(), terms.end(),
@@ -132,8 +138,11 @@ std::vector<Ranked> scoreMatches(std::span<const ShotPtr> shots, size_t offset,
             __builtin_prefetch(later + 64);
             __builtin_prefetch(later + 128);
         }
-        if (i + prefetchDistance < shots.size() && mayMatch(*shots[i + prefetchDistance]))
-            __builtin_prefetch(shots[i + prefetchDistance]->folded.data());
+        if (i + prefetchDistance < shots.size() && mayMatch(*shots[i + prefetchDistance])) {
+            const std::string_view text = searchedText(*shots[i + prefetchDistance], plainOnly);
+            for (size_t at = 0; at < std::min(text.size(), prefetchLimit); at += 64)
+                __builtin_prefetch(text.data() + at);
+        }
         const Shot& shot = *shots[i];
         if (!mayMatch(shot)) continue;
         const bool all = std::all_of(order.begin(), order.end(), [&](size_t t) {
