@@ -1,6 +1,7 @@
 #include "core/SearchQuery.h"
 
 #include "core/Fold.h"
+#include "support/RandomText.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -201,15 +202,10 @@ int scoreByTheRule(const Shot& shot, const std::vector<std::string>& terms) {
 // libraries are split between threads: on many made-up shots, some with search texts that are
 // not of this program's making (as a library file may hold), the order must be the rule's.
 TEST(SearchQueryTest, RanksManyShotsAsTheRuleSays) {
-    const std::vector<std::string> pieces = {"1",     "25", ",", " ",  "\u00A0", "fee", "Fée",
-                                             "total", "٣",  "a", "\n", ", 5",    "½"};
-    std::mt19937 random(11);
-    const auto text = [&](size_t count) {
-        std::string out;
-        for (size_t i = 0; i < count; ++i)
-            out += pieces[random() % pieces.size()];
-        return out;
-    };
+    test::RandomText text{
+        {"1", "25", ",", " ", "\u00A0", "fee", "Fée", "total", "٣", "a", "\n", ", 5", "½"},
+        std::mt19937(11)};
+    auto& random = text.random;
     std::vector<ShotPtr> shots;
     for (int i = 0; i < 24000; ++i) {
         Shot shot("/p/" + text(2) + ".png", 1, dateFromSeconds(random() % 50), Date{});

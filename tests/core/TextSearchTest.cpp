@@ -1,5 +1,7 @@
 #include "core/TextSearch.h"
 
+#include "support/RandomText.h"
+
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
@@ -47,14 +49,8 @@ TEST(TextSearchTest, FindsAtTheEdges) {
 
 // Texts of a few letters make partial matches common, which is where a fast search goes wrong.
 TEST(TextSearchTest, AgreesWithThePlainSearch) {
-    std::mt19937 random(20240607);
-    const std::string letters = "aab\n";
-    const auto word = [&](size_t length) {
-        std::string s;
-        for (size_t i = 0; i < length; ++i)
-            s += letters[random() % letters.size()];
-        return s;
-    };
+    test::RandomText word{{"a", "a", "b", "\n"}, std::mt19937(20240607)};
+    auto& random = word.random;
     for (int round = 0; round < 20000; ++round) {
         // Long enough for several blocks of the fast search, and needles that do occur, cut
         // from the text itself, as well as random ones.
@@ -72,14 +68,8 @@ TEST(TextSearchTest, AgreesWithThePlainSearch) {
 // A sketch may let through a needle that is not in the text, but never turns away one that is,
 // nor a line start that is there; and it does turn most absent ones away.
 TEST(TextSearchTest, SketchesNeverMissWhatIsThere) {
-    const std::vector<std::string> pieces = {"a", "b", "é", "ж", "1", ",", " ", "\n", "q"};
-    std::mt19937 random(5);
-    const auto text = [&](size_t count) {
-        std::string out;
-        for (size_t i = 0; i < count; ++i)
-            out += pieces[random() % pieces.size()];
-        return out;
-    };
+    test::RandomText text{{"a", "b", "é", "ж", "1", ",", " ", "\n", "q"}, std::mt19937(5)};
+    auto& random = text.random;
     int turnedAway = 0;
     for (int round = 0; round < 2000; ++round) {
         const std::string haystack = text(1 + random() % 60);
