@@ -58,6 +58,12 @@ AppModel::Services withDefaults(AppModel::Services s) {
     return s;
 }
 
+// The places that show the whole library.
+bool holdsEverything(const Place& place) {
+    return place.kind == Place::Kind::overview || place.kind == Place::Kind::all ||
+           place.kind == Place::Kind::locked;
+}
+
 } // namespace
 
 AppModel::AppModel(Paths paths, QSettings& settings, Services services, QObject* parent)
@@ -209,6 +215,7 @@ void AppModel::saveNow() {
 // --- derived values -------------------------------------------------------------------------
 
 std::vector<ShotPtr> AppModel::shots(const Place& place) const {
+    if (holdsEverything(place)) return library_.all();
     std::vector<ShotPtr> out;
     const Date cutoff = now() - week;
     const std::string prefix = place.folder + "/";
@@ -219,9 +226,7 @@ std::vector<ShotPtr> AppModel::shots(const Place& place) const {
         case Place::Kind::folder: in = shot->path.starts_with(prefix); break;
         case Place::Kind::privateOnes: in = shot->isRead() && shot->isSensitive(); break;
         case Place::Kind::recent: in = shot->date() >= cutoff; break;
-        case Place::Kind::overview:
-        case Place::Kind::all:
-        case Place::Kind::locked: in = true; break;
+        default: break;
         }
         if (in)
             out.push_back(shot);
@@ -231,12 +236,8 @@ std::vector<ShotPtr> AppModel::shots(const Place& place) const {
 
 std::vector<ShotPtr> AppModel::visible() const {
     const SearchQuery query(query_);
-    switch (place_.kind) {
-    case Place::Kind::overview:
-    case Place::Kind::all:
-    case Place::Kind::locked: return query.rank(library_.all()); // no copy of the whole list
-    default: return query.rank(shots(place_));
-    }
+    // The whole library is searched where it lies, without a copy.
+    return holdsEverything(place_) ? query.rank(library_.all()) : query.rank(shots(place_));
 }
 
 const Shot* AppModel::selected() const { return selection_ ? library_.find(*selection_) : nullptr; }

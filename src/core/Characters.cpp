@@ -12,12 +12,6 @@
 namespace lumivale {
 namespace {
 
-bool isAscii(std::string_view s) {
-    for (unsigned char c : s)
-        if (c >= 0x80) return false;
-    return true;
-}
-
 int32_t length32(std::string_view s) {
     return static_cast<int32_t>(s.size());
 }
@@ -49,6 +43,31 @@ std::unique_ptr<icu::BreakIterator> characterIterator() {
 
 bool isWhiteSpace(UChar32 c) {
     return c >= 0 && u_isUWhiteSpace(c);
+}
+
+bool isSpaceOrTab(UChar32 c) {
+    return c == '\t' || (c >= 0 && u_charType(c) == U_SPACE_SEPARATOR);
+}
+
+// s without the characters that `isBlank` picks out at either end.
+std::string_view trimmedBoth(std::string_view s, bool (*isBlank)(UChar32)) {
+    int32_t begin = 0;
+    int32_t end = length32(s);
+    while (begin < end) {
+        int32_t next = begin;
+        UChar32 c;
+        U8_NEXT(s.data(), next, end, c);
+        if (!isBlank(c)) break;
+        begin = next;
+    }
+    while (end > begin) {
+        int32_t previous = end;
+        UChar32 c;
+        U8_PREV(s.data(), begin, previous, c);
+        if (!isBlank(c)) break;
+        end = previous;
+    }
+    return s.substr(static_cast<size_t>(begin), static_cast<size_t>(end - begin));
 }
 
 } // namespace
@@ -137,16 +156,18 @@ std::string_view trimmedEnd(std::string_view s) {
 }
 
 std::string_view trimmed(std::string_view s) {
-    int32_t start = 0;
-    const int32_t end = length32(s);
-    while (start < end) {
-        int32_t next = start;
-        UChar32 c;
-        U8_NEXT(s.data(), next, end, c);
-        if (!isWhiteSpace(c)) break;
-        start = next;
-    }
-    return trimmedEnd(s.substr(static_cast<size_t>(start)));
+    return trimmedBoth(s, isWhiteSpace);
+}
+
+std::string_view trimmedSpaces(std::string_view s) {
+    return trimmedBoth(s, isSpaceOrTab);
+}
+
+bool isAscii(std::string_view s) {
+    unsigned char any = 0;
+    for (unsigned char c : s)
+        any |= c;
+    return any < 0x80;
 }
 
 std::string_view trimmedSpacesAndTabs(std::string_view s) {

@@ -41,6 +41,12 @@ std::string_view trimmedEnd(std::string_view s);
 // s without spaces and tabs at either end.
 std::string_view trimmedSpacesAndTabs(std::string_view s);
 
+// s without spaces of any width (no-break and full-width ones too) and tabs at either end.
+std::string_view trimmedSpaces(std::string_view s);
+
+// Whether every byte of s is ASCII.
+bool isAscii(std::string_view s);
+
 // s lowercased, with no locale.
 std::string lowered(std::string_view s);
 

@@ -1,5 +1,7 @@
 #include "core/Fold.h"
 
+#include "core/Characters.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -10,12 +12,6 @@
 
 namespace lumivale {
 namespace {
-
-bool isAscii(std::string_view s) {
-    for (unsigned char c : s)
-        if (c >= 0x80) return false;
-    return true;
-}
 
 struct Normalizers {
     const icu::Normalizer2* nfkd;

@@ -1,5 +1,7 @@
 #include "core/Plist.h"
 
+#include "core/Characters.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -70,13 +72,6 @@ uint8_t widthLog2(uint64_t v) {
     if (v <= 0xFFFF) return 1;
     if (v <= 0xFFFFFFFF) return 2;
     return 3;
-}
-
-bool isAscii(std::string_view s) {
-    unsigned char any = 0;
-    for (unsigned char c : s)
-        any |= c;
-    return any < 0x80;
 }
 
 // Encodes UTF-8 as big-endian UTF-16 into `out`, which has room for two bytes a byte of `s`,

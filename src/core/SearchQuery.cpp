@@ -1,5 +1,6 @@
 #include "core/SearchQuery.h"
 
+#include "core/Characters.h"
 #include "core/Fold.h"
 #include "core/TextSearch.h"
 
@@ -22,31 +23,6 @@ constexpr size_t prefetchLimit = 2048;
 
 bool isQuote(UChar32 c) {
     return c == 0x0022 || c == 0x201C || c == 0x201D;
-}
-
-// What is trimmed from the ends of a term: spaces of any width, and tabs.
-bool isSpaceOrTab(UChar32 c) {
-    return c == '\t' || (c >= 0 && u_charType(c) == U_SPACE_SEPARATOR);
-}
-
-std::string_view trimmed(std::string_view s) {
-    int32_t begin = 0;
-    int32_t end = static_cast<int32_t>(s.size());
-    while (begin < end) {
-        int32_t next = begin;
-        UChar32 c;
-        U8_NEXT(s.data(), next, end, c);
-        if (!isSpaceOrTab(c)) break;
-        begin = next;
-    }
-    while (end > begin) {
-        int32_t previous = end;
-        UChar32 c;
-        U8_PREV(s.data(), begin, previous, c);
-        if (!isSpaceOrTab(c)) break;
-        end = previous;
-    }
-    return s.substr(static_cast<size_t>(begin), static_cast<size_t>(end - begin));
 }
 
 // The part of the shot's search text that a term must be looked for in: the plain text alone,
@@ -169,7 +145,7 @@ std::vector<Ranked> scoreMatches(std::span<const ShotPtr> shots, size_t offset,
 SearchQuery::SearchQuery(std::string_view typed) {
     std::string current;
     const auto endTerm = [&] {
-        const std::string folded = foldText(trimmed(current));
+        const std::string folded = foldText(trimmedSpaces(current));
         if (!folded.empty()) terms.push_back(squash(folded));
         current.clear();
     };

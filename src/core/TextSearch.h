@@ -17,8 +17,11 @@ size_t findText(std::string_view text, std::string_view needle, size_t from = 0)
 // tell without reading the text.
 using PairSketch = std::array<uint64_t, 16>;
 // The sketch of a text that may hold anything.
-constexpr PairSketch anyPairs = {~0ull, ~0ull, ~0ull, ~0ull, ~0ull, ~0ull, ~0ull, ~0ull,
-                                 ~0ull, ~0ull, ~0ull, ~0ull, ~0ull, ~0ull, ~0ull, ~0ull};
+constexpr PairSketch anyPairs = [] {
+    PairSketch all{};
+    all.fill(~uint64_t{0});
+    return all;
+}();
 
 PairSketch sketchPairs(std::string_view text);
 // False when `needle` is sure not to be in the text; true when it may be.
