@@ -39,7 +39,18 @@ struct Leaf {
 inline std::optional<std::map<std::string, Leaf>> readWithPlistlib(const std::string& file) {
     static const char* script = R"(
 import datetime, plistlib, sys
-EPOCH = datetime.datetime(1970, 1, 1)
+def leaf(v):
+    if isinstance(v, bool):
+        return "bool", str(v).lower()
+    if isinstance(v, int):
+        return "int", v
+    if isinstance(v, float):
+        return "float", v.hex()
+    if isinstance(v, str):
+        return "str", v.encode().hex()
+    if isinstance(v, bytes):
+        return "data", v.hex()
+    return "date", (v - datetime.datetime(1970, 1, 1)) // datetime.timedelta(microseconds=1)
 def walk(path, v):
     if isinstance(v, dict):
         print(f"{path}\tdict\t{','.join(sorted(v))}")
@@ -49,21 +60,9 @@ def walk(path, v):
         print(f"{path}\tarray\t{len(v)}")
         for i, x in enumerate(v):
             walk(f"{path}|{i}", x)
-    elif isinstance(v, bool):
-        print(f"{path}\tbool\t{'true' if v else 'false'}")
-    elif isinstance(v, int):
-        print(f"{path}\tint\t{v}")
-    elif isinstance(v, float):
-        print(f"{path}\tfloat\t{v.hex()}")
-    elif isinstance(v, str):
-        print(f"{path}\tstr\t{v.encode('utf-8').hex()}")
-    elif isinstance(v, datetime.datetime):
-        print(f"{path}\tdate\t{(v - EPOCH) // datetime.timedelta(microseconds=1)}")
-    elif isinstance(v, bytes):
-        print(f"{path}\tdata\t{v.hex()}")
     else:
-        sys.exit(f"unexpected {type(v)}")
-with open(sys.argv[1], 'rb') as f:
+        print(path, *leaf(v), sep="\t")
+with open(sys.argv[1], "rb") as f:
     walk("", plistlib.load(f))
 )";
     const auto output = runPython(script, "'" + file + "'");
@@ -76,6 +75,20 @@ with open(sys.argv[1], 'rb') as f:
                                         line.substr(tab2 + 1)};
     }
     return leaves;
+}
+
+// Has plistlib read `from`, run the Python `edit` on what it read (`value`) and write that to
+// `to` its own way (its own ref sizes, object order and sharing); false when it fails.
+inline bool rewriteWithPlistlib(const std::string& from, const std::string& to,
+                                const std::string& edit = "") {
+    const std::string script =
+        "import datetime, plistlib, sys\n"
+        "with open(sys.argv[1], 'rb') as f:\n"
+        "    value = plistlib.load(f)\n" +
+        edit +
+        "\nwith open(sys.argv[2], 'wb') as f:\n"
+        "    plistlib.dump(value, f, fmt=plistlib.FMT_BINARY, sort_keys=False)\n";
+    return runPython(script, "'" + from + "' '" + to + "'").has_value();
 }
 
 // The bytes of a string in lower-case hex, as `Leaf` holds strings.
