@@ -52,34 +52,6 @@ TEST(ShotTest, KeepsItsSearchText) {
     }
 }
 
-TEST(ShotTest, TakesItsShelfByHandFirst) {
-    using enum Shelf;
-    using enum SensitiveKind;
-    const struct {
-        const char* what;
-        Shelf guess;
-        std::optional<Shelf> manual;
-        SensitiveKinds flags;
-        Shelf category;
-        bool sensitive;
-    } cases[] = {
-        {"by hand wins", bills, chats, {}, chats, false},
-        {"IDs guessed, no flags", ids, std::nullopt, {}, ids, true},
-        {"other by hand with a flag", ids, other, {taxID}, other, true},
-        {"IDs by hand", maps, ids, {}, ids, true},
-        {"a flag on any shelf", code, std::nullopt, {cardNumber}, code, true},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        Shot shot("/p/a.png", 1, base, base);
-        shot.guess = c.guess;
-        shot.manual = c.manual;
-        shot.flags = c.flags;
-        EXPECT_EQ(shot.category(), c.category);
-        EXPECT_EQ(shot.isSensitive(), c.sensitive);
-    }
-}
-
 TEST(ShotTest, MatchesTheSameFileWithinASecond) {
     const Shot shot("/p/a.png", 500, base, base);
     EXPECT_TRUE(shot.matches(500, base));
