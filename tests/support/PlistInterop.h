@@ -7,7 +7,6 @@
 #include "support/ChildRun.h"
 #include "support/TempDir.h"
 
-#include <algorithm>
 #include <bit>
 #include <chrono>
 #include <cstdio>
@@ -115,29 +114,6 @@ inline Leaf leafOf(const plist::Document& d, plist::Ref r) {
         return {"data", hexOf({reinterpret_cast<const char*>(v->data()), v->size()})};
     if (const auto v = d.string(r)) return {"str", hexOf(*v)};
     return {"unreadable", ""};
-}
-
-// Every value of a property list as this program's reader sees it, shaped as `readWithPlistlib`.
-inline void readWithOurs(const plist::Document& d, plist::Ref r, const std::string& path,
-                         std::map<std::string, Leaf>& leaves) {
-    if (const auto dict = d.dict(r)) {
-        std::vector<std::string> keys;
-        for (size_t i = 0; i < dict->size(); ++i) {
-            keys.push_back(d.string(dict->keyAt(i)).value_or("?"));
-            readWithOurs(d, dict->valueAt(i), path + "|" + keys.back(), leaves);
-        }
-        std::sort(keys.begin(), keys.end());
-        std::string joined;
-        for (const std::string& key : keys)
-            joined += (joined.empty() ? "" : ",") + key;
-        leaves[path] = {"dict", joined};
-    } else if (const auto items = d.array(r)) {
-        leaves[path] = {"array", std::to_string(items->size())};
-        for (size_t i = 0; i < items->size(); ++i)
-            readWithOurs(d, (*items)[i], path + "|" + std::to_string(i), leaves);
-    } else {
-        leaves[path] = leafOf(d, r);
-    }
 }
 
 // Expects the same value: reals by their bits (so -0 and not-a-number count), dates within `slack`.
