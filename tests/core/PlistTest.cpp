@@ -178,16 +178,13 @@ TEST(PlistTest, OpenRejectsUnsoundHeadersAndTrailers) {
     EXPECT_FALSE(Document::open(spanOf(assemble(many, 1, 2))));
     EXPECT_TRUE(Document::open(spanOf(assemble(many, 2, 2))));
 
-    // Trailer fields, counted from the end: offset size -26, ref size -25, object count -24,
-    // root -16, offset table start -8.
+    // Trailer fields, counted from the end: offset size -26, ref size -25, object count -24, root
+    // -16, offset table start -8. (Files cut short at every length are the library file's cases.)
     const struct {
         const char* name;
         std::function<void(std::string&)> damage;
     } cases[] = {
-        {"empty", [](std::string& f) { f.clear(); }},
-        {"header only", [](std::string& f) { f = "bplist00"; }},
         {"another version", [](std::string& f) { f[7] = '1'; }},
-        {"cut trailer", [](std::string& f) { f.pop_back(); }},
         {"offset size 0", [](std::string& f) { patch(f, -26, 0, 1); }},
         {"ref size 9", [](std::string& f) { patch(f, -25, 9, 1); }},
         {"no objects", [](std::string& f) { patch(f, -24, 0, 8); }},
