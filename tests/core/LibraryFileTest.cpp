@@ -156,8 +156,6 @@ TEST(LibraryFileTest, OtherProgramsReadEveryKeyAndTypeAndWriteFilesThatLoad) {
     // plistlib then reads: it must see the same, but for dates in whole seconds.
     ASSERT_TRUE(test::runShell("plistutil -i '" + dir.file("library.plist") + "' -o '" +
                                dir.file("library.xml") + "' -f xml"));
-    EXPECT_NE(test::readFile(dir.file("library.xml")).find("<string>नमस्ते दुनिया 42</string>"),
-              std::string::npos);
     const auto viaLibplist = test::readWithPlistlib(dir.file("library.xml"));
     ASSERT_TRUE(viaLibplist);
     ASSERT_EQ(viaLibplist->size(), leaves->size());
