@@ -36,10 +36,7 @@ TEST(TallyTest, CountsEachReadShotOnItsShelfAndThePrivateOnes) {
         {"IDs guessed", shotOf(30, true, ids), {{ids, 1}}, true},
         {"other by hand with a flag", shotOf(40, true, ids, other, {taxID}), {{other, 1}}, true},
         {"IDs by hand", shotOf(50, true, maps, ids), {{ids, 1}}, true},
-        {"a flag on any shelf",
-         shotOf(60, true, code, std::nullopt, {cardNumber}),
-         {{code, 1}},
-         true},
+        {"any flag", shotOf(60, true, code, std::nullopt, {cardNumber}), {{code, 1}}, true},
         {"unread", shotOf(70, false, ids, std::nullopt, {cardNumber}), {}, false},
     };
     std::vector<ShotPtr> all;
@@ -51,8 +48,6 @@ TEST(TallyTest, CountsEachReadShotOnItsShelfAndThePrivateOnes) {
         all.push_back(std::make_shared<const Shot>(c.shot));
     }
     const Tally tally(all);
-    EXPECT_EQ(tally.byCategory,
-              (std::map<Shelf, int64_t>{{bills, 1}, {chats, 1}, {ids, 2}, {other, 1}, {code, 1}}));
     EXPECT_EQ(std::tuple(tally.total, tally.sensitive, tally.unread, tally.bytes),
               std::tuple(7, 4, 1, 280));
     EXPECT_EQ(std::tuple(tally.count(ids), tally.count(maps)), std::tuple(2, 0));
