@@ -109,25 +109,29 @@ TEST(TidyRun, PerformAndUndoCopeWithADiskThatChangedMeanwhile) {
 // Refusals: AppModelTidyTest. Taking the file's info out of a real Trash: the Trash's tests.
 TEST(TidyRun, TrashRecordsWhereEachFileWentAndUndoBringsBackWhatItFinds) {
     TempDir dir;
-    const std::string kept = writeFile(dir.file("in/kept.png"), "kept");
-    const std::string lost = writeFile(dir.file("in/lost.png"), "lost");
+    std::vector<std::string> paths;
+    for (const char* name : {"kept.png", "lost.png", "emptied.png"})
+        paths.push_back(writeFile(dir.file(std::string("in/") + name), name));
     fs::create_directories(dir.file("bin"));
-    // A bin that loses track of one file.
+    // A bin that loses track of lost.png.
     const Trasher trasher = [&](const std::string& path) {
         const std::string place = dir.file("bin/" + fs::path(path).filename().string());
         EXPECT_TRUE(moveNoReplace(path, place).isOk());
-        return path == lost ? TrashOutcome::placeUnknown() : TrashOutcome::landedAt(place);
+        return path == paths[1] ? TrashOutcome::placeUnknown() : TrashOutcome::landedAt(place);
     };
-    const TidyResult result = Tidy::trash({kept, lost}, runTime, trasher);
+    const TidyResult result = Tidy::trash(paths, runTime, trasher);
     EXPECT_EQ(result.journal.kind, Journal::Kind::trashed);
-    EXPECT_EQ(result.journal.entries,
-              (std::vector<Move>{{kept, dir.file("bin/kept.png")}, {lost, ""}}));
-    EXPECT_EQ(result.journal.summary(), "Put 2 screenshots in the Trash");
+    EXPECT_EQ(result.journal.entries, (std::vector<Move>{{paths[0], dir.file("bin/kept.png")},
+                                                         {paths[1], ""},
+                                                         {paths[2], dir.file("bin/emptied.png")}}));
+    EXPECT_EQ(result.journal.summary(), "Put 3 screenshots in the Trash");
 
+    fs::remove(dir.file("bin/emptied.png"));
     const UndoResult undone = Tidy::undo(result.journal);
-    EXPECT_EQ(undone.restored, (std::vector<Move>{{dir.file("bin/kept.png"), kept}}));
-    EXPECT_EQ(failures(undone.failed), "lost.png: It's no longer where it was put");
-    EXPECT_EQ(readFile(kept), "kept");
+    EXPECT_EQ(undone.restored, (std::vector<Move>{{dir.file("bin/kept.png"), paths[0]}}));
+    EXPECT_EQ(failures(undone.failed), "emptied.png: It's no longer where it was put, "
+                                       "lost.png: It's no longer where it was put");
+    EXPECT_EQ(readFile(paths[0]), "kept.png");
 }
 
 } // namespace
