@@ -41,26 +41,8 @@ TEST(JournalBook, KeepsTheNewestThirtyNewestFirstAndNothingEmpty) {
     }
 }
 
-TEST(JournalBook, OffersEachJournalForUndoOnceNewestFirst) {
-    JournalBook book;
-    for (int i = 1; i <= 3; ++i)
-        book.add(journal(i, i == 2 ? Journal::Kind::trashed : Journal::Kind::moved));
-    const std::string newest = book.entries[0].id, middle = book.entries[1].id;
-    const std::pair<std::string, std::string> steps[] = {
-        {"", newest},
-        {newest, middle},
-        {book.entries[2].id, middle},
-        {"00000000-0000-4000-8000-000000000000", middle},
-        {middle, ""},
-    };
-    for (const auto& [undo, offered] : steps) {
-        SCOPED_TRACE(undo);
-        if (!undo.empty()) book.markUndone(undo);
-        EXPECT_EQ(book.lastUndoable().value_or(Journal()).id, offered);
-    }
-    EXPECT_EQ(book.entries.size(), 3u) << "undone journals stay in the book";
-}
-
+// Which journal Undo offers, and only once: AppModelTidyTest, through the model that keeps the
+// book.
 TEST(JournalBook, SavesWhatOtherProgramsReadAndLoadsItBack) {
     JournalBook book;
     book.add(journal(1));
