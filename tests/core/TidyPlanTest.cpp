@@ -21,7 +21,7 @@ Date at(year_month_day day, hours h = 12h, minutes m = 0min) {
 const Date nearMidnightUtc = at(2026y / October / 31, 20h);
 const Date oct14 = at(2026y / October / 14);
 
-ShotPtr shot(std::string path, Date date = oct14, Shelf guess = chats, bool read = true,
+ShotPtr shot(std::string path, Shelf guess = chats, Date date = oct14, bool read = true,
              std::optional<Shelf> manual = std::nullopt, std::vector<std::string> lines = {}) {
     Shot s(std::move(path), 100, date, date);
     s.guess = guess;
@@ -92,62 +92,50 @@ std::vector<std::string> planned(const std::vector<ShotPtr>& shots, TidyLayout l
 TEST(TidyPlanning, FilesAReadShotUnderAFreeNameOrSaysWhyItStays) {
     const std::string chat = "Chat – 2026-10-14.png", inPlace = ": Already in place";
     const struct {
-        const char* name;
         ShotPtr shot;
         TidyLayout layout;
-        bool rename;
-        std::string alsoOnDisk, expected;
+        std::string expected;
+        bool rename = false;
+        std::string alsoOnDisk = "";
     } cases[] = {
-        {"shelf folder", shot("/in/a.png", oct14, bills), byShelf, false, "",
-         "/in/a.png → Bills and receipts/a.png"},
-        {"month inside the shelf", shot("/in/a.png", oct14, maps), byMonth, false, "",
-         "/in/a.png → Maps and places/2026-10/a.png"},
-        {"month in the local time zone", shot("/in/a.png", nearMidnightUtc, ids), byMonth, false,
-         "", "/in/a.png → IDs and documents/2026-11/a.png"},
-        {"local new year", shot("/a.png", at(2026y / December / 31, 18h, 30min)), byMonth, false,
-         "", "/a.png → Chats/2027-01/a.png"},
-        {"manual shelf wins", shot("/in/a.png", oct14, bills, true, tickets), byShelf, false, "",
-         "/in/a.png → Tickets and bookings/a.png"},
-        {"still being read", shot("/gone/a.png", oct14, chats, false), byShelf, false, "",
-         "/gone/a.png: Still being read"},
-        {"no longer there", shot("/gone/a.png"), byShelf, false, "",
-         "/gone/a.png: No longer there"},
-        {"in its shelf", shot("/arch/Chats/a.png"), byShelf, false, "",
-         "/arch/Chats/a.png" + inPlace},
-        {"in its month", shot("/arch/Chats/2026-10/a.png"), byMonth, false, "",
-         "/arch/Chats/2026-10/a.png" + inPlace},
-        {"into its month", shot("/arch/Chats/a.png"), byMonth, false, "",
-         "/arch/Chats/a.png → Chats/2026-10/a.png"},
-        {"out of its month", shot("/arch/Chats/2026-10/a.png"), byShelf, false, "",
-         "/arch/Chats/2026-10/a.png → Chats/a.png"},
-        {"in another shelf's folder", shot("/arch/Chats/a.png", oct14, code), byShelf, false, "",
-         "/arch/Chats/a.png → Code/a.png"},
-        {"renamed in place", shot("/arch/Chats/" + chat), byShelf, true, "",
-         "/arch/Chats/" + chat + inPlace},
-        {"renamed in place under its number", shot("/arch/Chats/Chat – 2026-10-14 2.png"), byShelf,
-         true, "/arch/Chats/" + chat, "/arch/Chats/Chat – 2026-10-14 2.png" + inPlace},
-        {"renamed into place", shot("/in/" + chat), byShelf, true, "",
-         "/in/" + chat + " → Chats/" + chat},
-        {"no extension", shot("/a/report"), byShelf, false, "/arch/Chats/report",
-         "/a/report → Chats/report 2"},
-        {"last extension only", shot("/a/x.tar.gz"), byShelf, false, "/arch/Chats/x.tar.gz",
-         "/a/x.tar.gz → Chats/x.tar 2.gz"},
-        {"hidden name", shot("/a/.notes"), byShelf, false, "/arch/Chats/.notes",
-         "/a/.notes → Chats/.notes 2"},
-        {"renamed with the title after the chrome, made safe",
-         shot("/in/x.png", oct14, bills, true, std::nullopt,
+        {shot("/a.png", bills), byShelf, "/a.png → Bills and receipts/a.png"},
+        {shot("/a.png", maps), byMonth, "/a.png → Maps and places/2026-10/a.png"},
+        // The month and the day are the local ones.
+        {shot("/a.png", ids, nearMidnightUtc), byMonth, "/a.png → IDs and documents/2026-11/a.png"},
+        {shot("/a.png", chats, at(2026y / December / 31, 18h, 30min)), byMonth,
+         "/a.png → Chats/2027-01/a.png"},
+        // The shelf the user chose wins.
+        {shot("/a.png", bills, oct14, true, tickets), byShelf,
+         "/a.png → Tickets and bookings/a.png"},
+        // Why shots stay.
+        {shot("/gone/a.png", chats, oct14, false), byShelf, "/gone/a.png: Still being read"},
+        {shot("/gone/a.png"), byShelf, "/gone/a.png: No longer there"},
+        {shot("/arch/Chats/a.png"), byShelf, "/arch/Chats/a.png" + inPlace},
+        {shot("/arch/Chats/a.png"), byMonth, "/arch/Chats/a.png → Chats/2026-10/a.png"},
+        {shot("/arch/Chats/2026-10/a.png"), byMonth, "/arch/Chats/2026-10/a.png" + inPlace},
+        {shot("/arch/Chats/2026-10/a.png"), byShelf, "/arch/Chats/2026-10/a.png → Chats/a.png"},
+        {shot("/arch/Chats/a.png", code), byShelf, "/arch/Chats/a.png → Code/a.png"},
+        // Clashes with files on disk.
+        {shot("/report"), byShelf, "/report → Chats/report 2", false, "/arch/Chats/report"},
+        {shot("/x.tar.gz"), byShelf, "/x.tar.gz → Chats/x.tar 2.gz", false, "/arch/Chats/x.tar.gz"},
+        {shot("/.notes"), byShelf, "/.notes → Chats/.notes 2", false, "/arch/Chats/.notes"},
+        // Renamed: shelf word, title after the phone's chrome, local day, extension in lower case.
+        {shot("/arch/Chats/" + chat), byShelf, "/arch/Chats/" + chat + inPlace, true},
+        {shot("/arch/Chats/Chat – 2026-10-14 2.png"), byShelf,
+         "/arch/Chats/Chat – 2026-10-14 2.png" + inPlace, true, "/arch/Chats/" + chat},
+        {shot("/" + chat), byShelf, "/" + chat + " → Chats/" + chat, true},
+        {shot("/x.png", bills, oct14, true, std::nullopt,
               {"9:41", "100%", "LTE", "Back", "Invoice 12/03/2024 10:30"}),
-         byShelf, true, "",
-         "/in/x.png → Bills and receipts/Bill – Invoice 12-03-2024 10 30 – 2026-10-14.png"},
-        {"renamed by the manual shelf", shot("/in/x.png", oct14, bills, true, maps), byShelf, true,
-         "", "/in/x.png → Maps and places/Map – 2026-10-14.png"},
-        {"renamed by the local day", shot("/in/x.HEIC", nearMidnightUtc, ids), byShelf, true, "",
-         "/in/x.HEIC → IDs and documents/ID – 2026-11-01.heic"},
-        {"renamed without an extension", shot("/in/capture", oct14, shopping), byShelf, true, "",
-         "/in/capture → Shopping/Shop – 2026-10-14"},
+         byShelf, "/x.png → Bills and receipts/Bill – Invoice 12-03-2024 10 30 – 2026-10-14.png",
+         true},
+        {shot("/x.png", bills, oct14, true, maps), byShelf,
+         "/x.png → Maps and places/Map – 2026-10-14.png", true},
+        {shot("/x.HEIC", ids, nearMidnightUtc), byShelf,
+         "/x.HEIC → IDs and documents/ID – 2026-11-01.heic", true},
+        {shot("/capture", shopping), byShelf, "/capture → Shopping/Shop – 2026-10-14", true},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.expected);
         EXPECT_EQ(planned({c.shot}, c.layout, c.rename, c.alsoOnDisk),
                   std::vector<std::string>{c.expected});
     }
@@ -155,15 +143,15 @@ TEST(TidyPlanning, FilesAReadShotUnderAFreeNameOrSaysWhyItStays) {
 
 TEST(TidyPlanning, ClashesAreNumberedOldestFirst) {
     using Moves = std::vector<std::string>;
-    const Date t = oct14;
     EXPECT_EQ(
-        planned({shot("/c/N.png", t + 2h), shot("/b/N.png", t + 1h), shot("/a/N.png")}, byShelf,
-                false),
+        planned({shot("/c/N.png", chats, oct14 + 2h), shot("/b/N.png", chats, oct14 + 1h),
+                 shot("/a/N.png")},
+                byShelf, false),
         (Moves{"/a/N.png → Chats/N.png", "/b/N.png → Chats/N 2.png", "/c/N.png → Chats/N 3.png"}));
     EXPECT_EQ(planned({shot("/b/N.png"), shot("/a/N.png")}, byShelf, false, "/arch/Chats/N 2.png"),
               (Moves{"/b/N.png → Chats/N.png", "/a/N.png → Chats/N 3.png"}))
         << "ties keep their order; a number on disk is passed over";
-    EXPECT_EQ(planned({shot("/a/1.png"), shot("/b/2.PNG", t + 1min)}, byShelf, true),
+    EXPECT_EQ(planned({shot("/a/1.png"), shot("/b/2.PNG", chats, oct14 + 1min)}, byShelf, true),
               (Moves{"/a/1.png → Chats/Chat – 2026-10-14.png",
                      "/b/2.PNG → Chats/Chat – 2026-10-14 2.png"}))
         << "renamed alike on one day";
