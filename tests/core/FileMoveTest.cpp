@@ -111,25 +111,18 @@ TEST(FileMove, AcrossFileSystemsMovesOnlyAWholeCopyAndNeverReplaces) {
         EXPECT_EQ(moved.code(), c.expected) << moved.message();
         EXPECT_EQ(moved.message().empty(), c.expected == 0);
         EXPECT_EQ(wrongMoments, 0);
-        if (c.expected) {
-            EXPECT_EQ(readFile(from), bytes);
-            EXPECT_EQ(test::namesIn(folder).size(), c.targetTaken ? 1u : 0u) << "no partial file";
-            EXPECT_EQ(readFile(to), c.targetTaken ? "theirs" : "");
-            continue;
-        }
+        EXPECT_EQ(readFile(from), c.expected ? bytes : "");
+        EXPECT_EQ(readFile(to), c.expected == 0 ? bytes : c.targetTaken ? "theirs" : "");
+        EXPECT_EQ(test::namesIn(folder).size(), c.expected && !c.targetTaken ? 0u : 1u)
+            << "no partial or temporary file";
+        if (c.expected) continue;
         EXPECT_GT(writes, 1);
-        EXPECT_FALSE(fs::exists(from));
-        EXPECT_EQ(readFile(to), bytes);
-        EXPECT_EQ(test::namesIn(folder).size(), 1u);
         struct stat st {};
         ASSERT_EQ(stat(to.c_str(), &st), 0);
         EXPECT_EQ(st.st_mode & 07777, 0640u);
         EXPECT_EQ(st.st_mtim.tv_sec, 1500000000);
         EXPECT_EQ(st.st_mtim.tv_nsec, 123456789);
-        char value[4] = {};
-        if (attributes) {
-            EXPECT_EQ(getxattr(to.c_str(), "user.test.mark", value, sizeof value), 1);
-        }
+        EXPECT_TRUE(!attributes || getxattr(to.c_str(), "user.test.mark", nullptr, 0) == 1);
     }
 }
 
