@@ -29,30 +29,35 @@ std::string pattern(size_t size) {
 }
 
 TEST(FileMove, WithinOneFileSystemNeverReplaces) {
-    enum class Target { freeName, file, danglingLink, noFolder };
+    enum class Target { freeName, file, danglingLink, noFolder, underAFile };
     using enum Target;
     const struct {
         const char* name;
         bool sourceThere;
         Target target;
-        int error; // 0: moves
+        int error; // 0: moves; EEXIST: something takes the target's path
         std::string atTarget;
     } cases[] = {
         {"moves", true, freeName, 0, "picture"},
         {"target taken by a file", true, file, EEXIST, "someone else's"},
         {"target taken by a dangling link", true, danglingLink, EEXIST, ""},
         {"target folder missing", true, noFolder, ENOENT, ""},
+        {"target folder is a file", true, underAFile, ENOTDIR, ""},
         {"source missing", false, freeName, ENOENT, ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         TempDir dir;
         const std::string from = dir.file("shot.png");
-        const std::string to = dir.file(c.target == noFolder ? "absent/shot.png" : "out/shot.png");
+        const std::string to = dir.file(c.target == noFolder     ? "absent/shot.png"
+                                        : c.target == underAFile ? "note.txt/shot.png"
+                                                                 : "out/shot.png");
         fs::create_directories(dir.file("out"));
+        writeFile(dir.file("note.txt"), "a file");
         if (c.sourceThere) writeFile(from, "picture");
         if (c.target == file) writeFile(to, "someone else's");
         if (c.target == danglingLink) fs::create_symlink(dir.file("nowhere"), to);
+        EXPECT_EQ(isTaken(to), c.error == EEXIST);
 
         const Status moved = moveNoReplace(from, to);
         EXPECT_EQ(moved.code(), c.error) << moved.message();
@@ -63,58 +68,7 @@ TEST(FileMove, WithinOneFileSystemNeverReplaces) {
     }
 }
 
-TEST(FileMove, IsTakenByAnythingAtThePath) {
-    TempDir dir;
-    writeFile(dir.file("file"), "x");
-    fs::create_directories(dir.file("folder"));
-    fs::create_symlink(dir.file("nowhere"), dir.file("dangling"));
-    for (const char* name : {"file", "folder", "dangling"})
-        EXPECT_TRUE(isTaken(dir.file(name))) << name;
-    for (const char* name : {"missing", "file/inside"})
-        EXPECT_FALSE(isTaken(dir.file(name))) << name;
-}
-
-TEST(FileMove, AcrossFileSystemsCopiesWholeThenRemovesTheOriginal) {
-    ScratchMount other;
-    if (!other.ok()) GTEST_SKIP() << other.why();
-    TempDir dir;
-    const std::string bytes = pattern(3 * 1024 * 1024 + 17);
-    const std::string from = writeFile(dir.file("shot.png"), bytes);
-    const std::string to = other.file("shot.png");
-    ASSERT_EQ(chmod(from.c_str(), 0640), 0);
-    const timespec times[2] = {{1600000000, 0}, {1500000000, 123456789}};
-    ASSERT_EQ(utimensat(AT_FDCWD, from.c_str(), times, 0), 0);
-    // Older tmpfs kernels keep no user attributes; then the copy cannot be asked to keep them.
-    const bool attributes = setxattr(from.c_str(), "user.test.mark", "1", 1, 0) == 0 &&
-                            setxattr(other.path().c_str(), "user.probe", "1", 1, 0) == 0;
-
-    // Every write of the copy happens while the original is still there and before anything
-    // stands at the target's own name.
-    int writes = 0, wrongMoments = 0;
-    const Status moved = moveNoReplace(from, to, [&](int fd, const void* data, size_t length) {
-        ++writes;
-        if (!isTaken(from) || isTaken(to)) ++wrongMoments;
-        return systemWrite(fd, data, length);
-    });
-    ASSERT_TRUE(moved.isOk()) << moved.message();
-    EXPECT_GT(writes, 1);
-    EXPECT_EQ(wrongMoments, 0);
-    EXPECT_FALSE(fs::exists(from));
-    EXPECT_EQ(readFile(to), bytes);
-    EXPECT_EQ(test::namesIn(other.path()).size(), 1u);
-
-    struct stat st {};
-    ASSERT_EQ(stat(to.c_str(), &st), 0);
-    EXPECT_EQ(st.st_mode & 07777, 0640u);
-    EXPECT_EQ(st.st_mtim.tv_sec, 1500000000);
-    EXPECT_EQ(st.st_mtim.tv_nsec, 123456789);
-    char value[4] = {};
-    if (attributes) {
-        EXPECT_EQ(getxattr(to.c_str(), "user.test.mark", value, sizeof value), 1);
-    }
-}
-
-TEST(FileMove, AcrossFileSystemsAFailedMoveLeavesNoTrace) {
+TEST(FileMove, AcrossFileSystemsMovesOnlyAWholeCopyAndNeverReplaces) {
     ScratchMount other;
     if (!other.ok()) GTEST_SKIP() << other.why();
     const struct {
@@ -122,34 +76,57 @@ TEST(FileMove, AcrossFileSystemsAFailedMoveLeavesNoTrace) {
         size_t budget; // bytes written before writes fail
         int error;     // what the failing write reports (0: it writes nothing)
         bool targetTaken;
-        int expected;
+        int expected; // 0: moves
     } cases[] = {
+        {"moves", SIZE_MAX, 0, false, 0},
         {"first write fails", 0, ENOSPC, false, ENOSPC},
         {"fails in the second chunk", 1024 * 1024 + 100, EDQUOT, false, EDQUOT},
         {"write makes no progress", 4096, 0, false, EIO},
         {"target already taken", SIZE_MAX, 0, true, EEXIST},
     };
-    const std::string bytes = pattern(2 * 1024 * 1024 + 5);
+    const std::string bytes = pattern(3 * 1024 * 1024 + 17);
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         TempDir dir;
         const std::string from = writeFile(dir.file("shot.png"), bytes);
-        const std::string folder = other.file(c.name);
+        const std::string folder = other.file(c.name), to = folder + "/shot.png";
         fs::create_directories(folder);
-        const std::string to = folder + "/shot.png";
         if (c.targetTaken) writeFile(to, "theirs");
+        ASSERT_EQ(chmod(from.c_str(), 0640), 0);
+        const timespec times[2] = {{1600000000, 0}, {1500000000, 123456789}};
+        ASSERT_EQ(utimensat(AT_FDCWD, from.c_str(), times, 0), 0);
+        // Older tmpfs kernels keep no user attributes; then the copy cannot be asked to keep them.
+        const bool attributes = setxattr(from.c_str(), "user.test.mark", "1", 1, 0) == 0 &&
+                                setxattr(folder.c_str(), "user.probe", "1", 1, 0) == 0;
 
-        const Status moved = moveNoReplace(from, to, test::failingAfter(c.budget, c.error));
+        // Every write of the copy happens while the original is still there and before anything
+        // new stands at the target's own name.
+        int writes = 0, wrongMoments = 0;
+        const WriteCall failing = test::failingAfter(c.budget, c.error);
+        const Status moved = moveNoReplace(from, to, [&](int fd, const void* data, size_t length) {
+            ++writes;
+            if (!isTaken(from) || (!c.targetTaken && isTaken(to))) ++wrongMoments;
+            return failing(fd, data, length);
+        });
         EXPECT_EQ(moved.code(), c.expected) << moved.message();
-        EXPECT_FALSE(moved.message().empty());
-        EXPECT_EQ(readFile(from), bytes);
-        EXPECT_EQ(test::namesIn(folder).size(), c.targetTaken ? 1u : 0u) << "no partial file";
-        if (c.targetTaken) {
-            EXPECT_EQ(readFile(to), "theirs");
-        }
+        EXPECT_EQ(moved.message().empty(), c.expected == 0);
+        EXPECT_EQ(wrongMoments, 0);
+        EXPECT_EQ(readFile(from), c.expected ? bytes : "");
+        EXPECT_EQ(readFile(to), c.expected == 0 ? bytes : c.targetTaken ? "theirs" : "");
+        EXPECT_EQ(test::namesIn(folder).size(), c.expected && !c.targetTaken ? 0u : 1u)
+            << "no partial or temporary file";
+        if (c.expected) continue;
+        EXPECT_GT(writes, 1);
+        struct stat st {};
+        ASSERT_EQ(stat(to.c_str(), &st), 0);
+        EXPECT_EQ(st.st_mode & 07777, 0640u);
+        EXPECT_EQ(st.st_mtim.tv_sec, 1500000000);
+        EXPECT_EQ(st.st_mtim.tv_nsec, 123456789);
+        EXPECT_TRUE(!attributes || getxattr(to.c_str(), "user.test.mark", nullptr, 0) == 1);
     }
+}
 
-    // An original that cannot be removed after the copy keeps no copy either.
+TEST(FileMove, AcrossFileSystemsAnOriginalThatCannotBeRemovedKeepsNoCopy) {
     ScratchMount source(ScratchMount::Where::ownMount, "size=1m");
     if (!source.ok()) GTEST_SKIP() << source.why();
     const std::string from = writeFile(source.file("shot.png"), "picture");

@@ -21,7 +21,7 @@ Date at(year_month_day day, hours h = 12h, minutes m = 0min) {
 const Date nearMidnightUtc = at(2026y / October / 31, 20h);
 const Date oct14 = at(2026y / October / 14);
 
-ShotPtr shot(std::string path, Date date, Shelf guess = chats, bool read = true,
+ShotPtr shot(std::string path, Shelf guess = chats, Date date = oct14, bool read = true,
              std::optional<Shelf> manual = std::nullopt, std::vector<std::string> lines = {}) {
     Shot s(std::move(path), 100, date, date);
     s.guess = guess;
@@ -30,35 +30,6 @@ ShotPtr shot(std::string path, Date date, Shelf guess = chats, bool read = true,
     for (size_t i = 0; i < lines.size(); ++i)
         s.lines.push_back({lines[i], 0.1f, 0.9f - 0.05f * static_cast<float>(i), 0.6f, 0.04f});
     return std::make_shared<const Shot>(std::move(s));
-}
-
-// A disk made of the paths in a set.
-ExistsTest disk(std::set<std::string> paths) {
-    return [paths = std::move(paths)](const std::string& p) { return paths.count(p) > 0; };
-}
-
-TEST(TidyLayout, FolderFollowsShelfAndLocalMonth) {
-    const struct {
-        const char* name;
-        ShotPtr shot;
-        TidyLayout layout;
-        std::string root, folder;
-    } cases[] = {
-        {"shelf folder", shot("/in/a.png", oct14, bills), byShelf, "/arch/",
-         "/arch/Bills and receipts"},
-        {"month inside the shelf", shot("/in/a.png", oct14, maps), byMonth, "/arch",
-         "/arch/Maps and places/2026-10"},
-        {"month in the local time zone", shot("/in/a.png", nearMidnightUtc, ids), byMonth, "/arch",
-         "/arch/IDs and documents/2026-11"},
-        {"local new year", shot("/a.png", at(2026y / December / 31, 18h, 30min)), byMonth, "/arch",
-         "/arch/Chats/2027-01"},
-        {"manual shelf wins", shot("/in/a.png", oct14, bills, true, tickets), byShelf, "/arch",
-         "/arch/Tickets and bookings"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(tidyLayoutFolder(c.layout, *c.shot, c.root), c.folder);
-    }
 }
 
 TEST(TidyClean, MakesOneSafeFileName) {
@@ -88,127 +59,101 @@ TEST(TidyClean, MakesOneSafeFileName) {
     }
 }
 
-TEST(TidyUnique, NumbersNamesThenFallsBackToAnUpperCaseUuid) {
-    const struct {
-        const char* name;
-        std::string candidate, from;
-        std::unordered_set<std::string> claimed;
-        std::set<std::string> onDisk;
-        std::string expected;
-    } cases[] = {
-        {"its own place", "/a/N.png", "/a/N.png", {}, {"/a/N.png"}, "/a/N.png"},
-        {"claimed and on disk", "/a/N.png", "", {"/a/N.png"}, {"/a/N 2.png"}, "/a/N 3.png"},
-        {"own numbered name",
-         "/a/N.png",
-         "/a/N 2.png",
-         {},
-         {"/a/N.png", "/a/N 2.png"},
-         "/a/N 2.png"},
-        {"no extension", "/a/report", "", {}, {"/a/report"}, "/a/report 2"},
-        {"last extension only", "/a/x.tar.gz", "", {}, {"/a/x.tar.gz"}, "/a/x.tar 2.gz"},
-        {"hidden name", "/a/.notes", "", {}, {"/a/.notes"}, "/a/.notes 2"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(Tidy::unique(c.candidate, c.from, c.claimed, disk(c.onDisk)), c.expected);
-    }
-
+TEST(TidyUnique, FallsBackToAnUpperCaseUuidWhenEveryNumberIsTaken) {
     int asked = 0;
     const std::string path = Tidy::unique("/a/Name.png", "", {}, [&](const std::string& p) {
         ++asked;
         return p == "/a/Name.png" || p.find(' ') != std::string::npos;
     });
-    const std::string x = "[0-9A-F]"; // an upper-case UUID
+    const std::string x = "[0-9A-F]";
     EXPECT_TRUE(
         std::regex_match(path, std::regex("/a/" + x + "{8}(-" + x + "{4}){3}-" + x + "{12}\\.png")))
         << path;
     EXPECT_EQ(asked, 10000) << "each name is checked once";
 }
 
-TEST(TidySuggestedName, ShelfTitleDayAndLowerCaseExtension) {
-    const struct {
-        const char* name;
-        ShotPtr shot;
-        std::string expected;
-    } cases[] = {
-        {"title after the chrome, made safe",
-         shot("/in/x.PNG", oct14, bills, true, std::nullopt,
-              {"9:41", "100%", "LTE", "Back", "Invoice 12/03/2024 10:30"}),
-         "Bill – Invoice 12-03-2024 10 30 – 2026-10-14.png"},
-        {"manual shelf word", shot("/in/x.png", oct14, bills, true, maps), "Map – 2026-10-14.png"},
-        {"local day", shot("/in/x.heic", nearMidnightUtc, ids), "ID – 2026-11-01.heic"},
-        {"no extension", shot("/in/capture", oct14, shopping), "Shop – 2026-10-14"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(Tidy::suggestedName(*c.shot), c.expected);
-    }
+// Plans the shots into "/arch/" with their own paths (except under /gone/) and `alsoOnDisk`
+// taken; each move as "from → to under the archive", then each skip as "path: reason".
+std::vector<std::string> planned(const std::vector<ShotPtr>& shots, TidyLayout layout, bool rename,
+                                 const std::string& alsoOnDisk = "") {
+    std::set<std::string> onDisk = {alsoOnDisk};
+    for (const ShotPtr& s : shots)
+        if (!s->path.starts_with("/gone/")) onDisk.insert(s->path);
+    const TidyPlan plan = Tidy::plan(shots, "/arch/", layout, rename,
+                                     [&](const std::string& p) { return onDisk.contains(p); });
+    std::vector<std::string> described;
+    for (const Move& m : plan.moves)
+        described.push_back(m.from + " → " + fs::path(m.to).lexically_relative("/arch").string());
+    for (const auto& [path, reason] : plan.skipped)
+        described.push_back(path + ": " + reason);
+    return described;
 }
 
-TEST(TidyPlanning, ReasonsForLeavingShotsAlone) {
-    const std::string inPlace = "Already in place", chat = "Chat – 2026-10-14.png";
+TEST(TidyPlanning, FilesAReadShotUnderAFreeNameOrSaysWhyItStays) {
+    const std::string chat = "Chat – 2026-10-14.png", inPlace = ": Already in place";
     const struct {
         ShotPtr shot;
         TidyLayout layout;
-        bool rename;
-        std::string reason; // empty: the shot moves
+        std::string expected;
+        bool rename = false;
+        std::string alsoOnDisk = "";
     } cases[] = {
-        {shot("/gone/a.png", oct14, chats, false), byShelf, false, "Still being read"},
-        {shot("/gone/a.png", oct14), byShelf, false, "No longer there"},
-        {shot("/arch/Chats/a.png", oct14), byShelf, false, inPlace},
-        {shot("/arch/Chats/a.png", oct14), byMonth, false, ""},
-        {shot("/arch/Chats/2026-10/a.png", oct14), byMonth, false, inPlace},
-        {shot("/arch/Chats/2026-10/a.png", oct14), byShelf, false, ""},
-        {shot("/arch/Chats/" + chat, oct14), byShelf, true, inPlace},
-        {shot("/in/" + chat, oct14), byShelf, true, ""},
-        {shot("/arch/Chats/a.png", oct14, code), byShelf, false, ""}, // another shelf's folder
+        {shot("/a.png", bills), byShelf, "/a.png → Bills and receipts/a.png"},
+        {shot("/a.png", maps), byMonth, "/a.png → Maps and places/2026-10/a.png"},
+        // The month and the day are the local ones.
+        {shot("/a.png", ids, nearMidnightUtc), byMonth, "/a.png → IDs and documents/2026-11/a.png"},
+        {shot("/a.png", chats, at(2026y / December / 31, 18h, 30min)), byMonth,
+         "/a.png → Chats/2027-01/a.png"},
+        // The shelf the user chose wins.
+        {shot("/a.png", bills, oct14, true, tickets), byShelf,
+         "/a.png → Tickets and bookings/a.png"},
+        // Why shots stay.
+        {shot("/gone/a.png", chats, oct14, false), byShelf, "/gone/a.png: Still being read"},
+        {shot("/gone/a.png"), byShelf, "/gone/a.png: No longer there"},
+        {shot("/arch/Chats/a.png"), byShelf, "/arch/Chats/a.png" + inPlace},
+        {shot("/arch/Chats/a.png"), byMonth, "/arch/Chats/a.png → Chats/2026-10/a.png"},
+        {shot("/arch/Chats/2026-10/a.png"), byMonth, "/arch/Chats/2026-10/a.png" + inPlace},
+        {shot("/arch/Chats/2026-10/a.png"), byShelf, "/arch/Chats/2026-10/a.png → Chats/a.png"},
+        {shot("/arch/Chats/a.png", code), byShelf, "/arch/Chats/a.png → Code/a.png"},
+        // Clashes with files on disk.
+        {shot("/report"), byShelf, "/report → Chats/report 2", false, "/arch/Chats/report"},
+        {shot("/x.tar.gz"), byShelf, "/x.tar.gz → Chats/x.tar 2.gz", false, "/arch/Chats/x.tar.gz"},
+        {shot("/.notes"), byShelf, "/.notes → Chats/.notes 2", false, "/arch/Chats/.notes"},
+        // Renamed: shelf word, title after the phone's chrome, local day, extension in lower case.
+        {shot("/arch/Chats/" + chat), byShelf, "/arch/Chats/" + chat + inPlace, true},
+        {shot("/arch/Chats/Chat – 2026-10-14 2.png"), byShelf,
+         "/arch/Chats/Chat – 2026-10-14 2.png" + inPlace, true, "/arch/Chats/" + chat},
+        {shot("/" + chat), byShelf, "/" + chat + " → Chats/" + chat, true},
+        {shot("/x.png", bills, oct14, true, std::nullopt,
+              {"9:41", "100%", "LTE", "Back", "Invoice 12/03/2024 10:30"}),
+         byShelf, "/x.png → Bills and receipts/Bill – Invoice 12-03-2024 10 30 – 2026-10-14.png",
+         true},
+        {shot("/x.png", bills, oct14, true, maps), byShelf,
+         "/x.png → Maps and places/Map – 2026-10-14.png", true},
+        {shot("/x.HEIC", ids, nearMidnightUtc), byShelf,
+         "/x.HEIC → IDs and documents/ID – 2026-11-01.heic", true},
+        {shot("/capture", shopping), byShelf, "/capture → Shopping/Shop – 2026-10-14", true},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.shot->path + (c.layout == byMonth ? " by month" : ""));
-        std::set<std::string> onDisk;
-        if (!c.shot->path.starts_with("/gone/")) onDisk.insert(c.shot->path);
-        const TidyPlan plan =
-            Tidy::plan(std::span(&c.shot, 1), "/arch", c.layout, c.rename, disk(onDisk));
-        if (c.reason.empty()) {
-            ASSERT_EQ(plan.moves.size(), 1u);
-            EXPECT_TRUE(
-                plan.moves[0].to.starts_with(tidyLayoutFolder(c.layout, *c.shot, "/arch") + "/"))
-                << plan.moves[0].to;
-            EXPECT_TRUE(plan.skipped.empty());
-        } else {
-            EXPECT_TRUE(plan.isEmpty());
-            EXPECT_EQ(plan.skipped, (std::map<std::string, std::string>{{c.shot->path, c.reason}}));
-        }
+        SCOPED_TRACE(c.expected);
+        EXPECT_EQ(planned({c.shot}, c.layout, c.rename, c.alsoOnDisk),
+                  std::vector<std::string>{c.expected});
     }
 }
 
-TEST(TidyPlanning, CollisionsAreNumberedOldestFirst) {
-    // Each move as "from → name in /arch/Chats", planned with the shots and `alsoOnDisk` on disk.
-    const auto filed = [](std::vector<ShotPtr> shots, bool rename,
-                          std::set<std::string> alsoOnDisk = {}) {
-        for (const ShotPtr& s : shots)
-            alsoOnDisk.insert(s->path);
-        const TidyPlan plan = Tidy::plan(shots, "/arch", byShelf, rename, disk(alsoOnDisk));
-        EXPECT_TRUE(plan.skipped.empty());
-        std::vector<std::string> moves;
-        for (const Move& m : plan.moves)
-            moves.push_back(m.from + " → " +
-                            fs::path(m.to).lexically_relative("/arch/Chats").string());
-        return moves;
-    };
+TEST(TidyPlanning, ClashesAreNumberedOldestFirst) {
     using Moves = std::vector<std::string>;
-    const Date t = oct14;
     EXPECT_EQ(
-        filed({shot("/c/N.png", t + 2h), shot("/b/N.png", t + 1h), shot("/a/N.png", t)}, false),
-        (Moves{"/a/N.png → N.png", "/b/N.png → N 2.png", "/c/N.png → N 3.png"}))
-        << "oldest first";
-    EXPECT_EQ(filed({shot("/b/N.png", t), shot("/a/N.png", t)}, false),
-              (Moves{"/b/N.png → N.png", "/a/N.png → N 2.png"}))
-        << "ties keep their order";
-    EXPECT_EQ(filed({shot("/a/report", t)}, false, {"/arch/Chats/report"}),
-              (Moves{"/a/report → report 2"}));
-    EXPECT_EQ(filed({shot("/a/1.png", t), shot("/b/2.PNG", t + 1min)}, true),
-              (Moves{"/a/1.png → Chat – 2026-10-14.png", "/b/2.PNG → Chat – 2026-10-14 2.png"}))
+        planned({shot("/c/N.png", chats, oct14 + 2h), shot("/b/N.png", chats, oct14 + 1h),
+                 shot("/a/N.png")},
+                byShelf, false),
+        (Moves{"/a/N.png → Chats/N.png", "/b/N.png → Chats/N 2.png", "/c/N.png → Chats/N 3.png"}));
+    EXPECT_EQ(planned({shot("/b/N.png"), shot("/a/N.png")}, byShelf, false, "/arch/Chats/N 2.png"),
+              (Moves{"/b/N.png → Chats/N.png", "/a/N.png → Chats/N 3.png"}))
+        << "ties keep their order; a number on disk is passed over";
+    EXPECT_EQ(planned({shot("/a/1.png"), shot("/b/2.PNG", chats, oct14 + 1min)}, byShelf, true),
+              (Moves{"/a/1.png → Chats/Chat – 2026-10-14.png",
+                     "/b/2.PNG → Chats/Chat – 2026-10-14 2.png"}))
         << "renamed alike on one day";
 }
 
