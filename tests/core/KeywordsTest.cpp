@@ -34,7 +34,7 @@ TEST(WordText, KeepsLettersAndNumbersAndTurnsEveryOtherRunIntoOneSpace) {
         {"CAFÉ — Menu", " cafe menu "},
         {"ＡＢＣ１２３", " abc123 "},
         {"Boarding Pass\nDEL → BOM", " boarding pass del bom "},
-        {"٤٥ items", " ٤٥ items "},
+        {"٤٥ items ½", " ٤٥ items ½ "},
         {"😀 ok 👍🏽", " ok "},
         {"", " "},
         // Vowel signs and the like stay with their letters.
