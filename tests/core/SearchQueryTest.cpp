@@ -21,22 +21,13 @@ struct ShotSpec {
 };
 
 ShotPtr makeShot(const ShotSpec& spec) {
-    const double modified = spec.modified < 0 ? spec.created : spec.modified;
     Shot shot("/home/u/Pictures/" + spec.name, 1000, dateFromSeconds(spec.created),
-              dateFromSeconds(modified));
+              dateFromSeconds(spec.modified < 0 ? spec.created : spec.modified));
     std::vector<TextLine> lines;
     for (const std::string& text : spec.lines)
-        lines.push_back({text, 0.1f, 0.1f, 0.5f, 0.05f});
+        lines.push_back({text});
     shot.setLines(std::move(lines));
-    shot.readAt = dateFromSeconds(spec.created + 60);
     return std::make_shared<const Shot>(std::move(shot));
-}
-
-std::vector<std::string> namesOf(const std::vector<ShotPtr>& shots) {
-    std::vector<std::string> names;
-    for (const ShotPtr& shot : shots)
-        names.emplace_back(shot->name());
-    return names;
 }
 
 TEST(SearchQueryTest, ParsesTypedText) {
@@ -65,12 +56,8 @@ TEST(SearchQueryTest, ParsesTypedText) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        const SearchQuery query(c.typed);
-        EXPECT_EQ(query.terms, c.terms);
-        EXPECT_EQ(query.isEmpty(), c.terms.empty());
+        EXPECT_EQ(SearchQuery(c.typed).terms, c.terms);
     }
-    EXPECT_EQ(SearchQuery("Invoice  CAFÉ"), SearchQuery("invoice cafe"));
-    EXPECT_FALSE(SearchQuery("invoice") == SearchQuery("invoice cafe"));
 }
 
 // A shot matches when it holds every term; its hit lines are those that hold any term.
@@ -144,21 +131,7 @@ TEST(SearchQueryTest, RanksByScoreThenNewestFirst) {
           {"fee-only.png", {"x fee fee fee"}, 300},     // no total
           {"twice.png", {"x fee fee", "x total"}, 50}}, // 2 + 1
          {"twice.png", "both.png"}},
-        {"the file name is taken as folded, not as squashed",
-         ",5",
-         {{"Снимок 1,5.png", {"x"}, 100}, // 1 + 1 name
-          {"c.png", {"x ,5 ,5"}, 50}},    // 2
-         {"Снимок 1,5.png", "c.png"}},
-        {"a squashed number is not in the folded file name",
-         "15",
-         {{"Снимок 1,5.png", {"x"}, 50}, // 1, in the squashed copy only
-          {"d.png", {"x 15"}, 100}},     // 1
-         {"d.png", "Снимок 1,5.png"}},
         {"equal scores and dates keep their order",
-         "fee",
-         {{"p.png", {"x fee"}, 100}, {"q.png", {"x fee"}, 100}, {"r.png", {"x fee"}, 100}},
-         {"p.png", "q.png", "r.png"}},
-        {"equal scores and dates keep their order, reversed",
          "fee",
          {{"r.png", {"x fee"}, 100}, {"q.png", {"x fee"}, 100}, {"p.png", {"x fee"}, 100}},
          {"r.png", "q.png", "p.png"}},
@@ -166,17 +139,16 @@ TEST(SearchQueryTest, RanksByScoreThenNewestFirst) {
          " \t ",
          {{"a.png", {}, 300, 100}, {"b.png", {}, 200, 250}, {"c.png", {}, 150, 150}},
          {"b.png", "c.png", "a.png"}},
-        {"ties go by the earlier of the two dates",
-         "fee",
-         {{"old-file.png", {"x fee"}, 500, 10}, {"new-file.png", {"x fee"}, 100, 400}},
-         {"new-file.png", "old-file.png"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         std::vector<ShotPtr> shots;
         for (const ShotSpec& spec : c.shots)
             shots.push_back(makeShot(spec));
-        EXPECT_EQ(namesOf(SearchQuery(c.typed).rank(shots)), c.expected);
+        std::vector<std::string> names;
+        for (const ShotPtr& shot : SearchQuery(c.typed).rank(shots))
+            names.emplace_back(shot->name());
+        EXPECT_EQ(names, c.expected);
     }
 }
 
