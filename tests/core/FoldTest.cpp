@@ -43,23 +43,15 @@ const std::vector<Case> foldCases = {
      "a\uFFFDb"},
 };
 
-TEST(FoldTest, FoldsCaseAccentsAndWidth) {
-    for (const Case& c : foldCases) {
+// Each line is folded on its own: search finds the file name in a search text by its line feeds.
+TEST(FoldTest, FoldsCaseAccentsAndWidthLineByLine) {
+    for (size_t i = 0; i < foldCases.size(); ++i) {
+        const Case& c = foldCases[i];
+        const Case& next = foldCases[(i + 1) % foldCases.size()];
         SCOPED_TRACE(c.what);
         EXPECT_EQ(foldText(c.input), c.expected);
         EXPECT_EQ(foldText(c.expected), c.expected) << "folding twice changes nothing";
-    }
-}
-
-// Search reads the folded file name back out of a shot's search text by counting line feeds,
-// which holds only if folding never reaches across a line feed.
-TEST(FoldTest, FoldsEachLineOnItsOwn) {
-    for (const Case& a : foldCases) {
-        for (const Case& b : foldCases) {
-            SCOPED_TRACE(std::string(a.what) + " / " + b.what);
-            EXPECT_EQ(foldText(a.input + "\n" + b.input),
-                      foldText(a.input) + "\n" + foldText(b.input));
-        }
+        EXPECT_EQ(foldText(c.input + "\n" + next.input), c.expected + "\n" + next.expected);
     }
 }
 
