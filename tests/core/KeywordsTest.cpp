@@ -12,8 +12,6 @@ TEST(Keywords, EveryShelfHasItsListAndTheTableNormalisesItInOrder) {
     using enum Shelf;
     const std::map<Shelf, size_t> lengths = {{ids, 56},  {bills, 58},    {tickets, 49}, {chats, 24},
                                              {code, 49}, {shopping, 50}, {maps, 39},    {other, 0}};
-    ASSERT_EQ(Keywords::raw().size(), 8u);
-    ASSERT_EQ(Keywords::table().size(), 8u);
     for (const auto& [shelf, length] : lengths) {
         SCOPED_TRACE(std::string(shelfId(shelf)));
         const std::vector<Keyword>& list = Keywords::raw().at(shelf);
@@ -34,7 +32,7 @@ TEST(WordText, KeepsLettersAndNumbersAndTurnsEveryOtherRunIntoOneSpace) {
         {"CAFÉ — Menu", " cafe menu "},
         {"ＡＢＣ１２３", " abc123 "},
         {"Boarding Pass\nDEL → BOM", " boarding pass del bom "},
-        {"٤٥ items", " ٤٥ items "},
+        {"٤٥ items ½", " ٤٥ items ½ "},
         {"😀 ok 👍🏽", " ok "},
         {"", " "},
         // Vowel signs and the like stay with their letters.

@@ -1,7 +1,6 @@
 #include "core/SearchQuery.h"
 
 #include "core/Fold.h"
-#include "support/RandomText.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -16,27 +15,17 @@ namespace {
 struct ShotSpec {
     std::string name;
     std::vector<std::string> lines;
-    double created = 0;   // seconds since 1970
-    double modified = -1; // same as created when negative
+    double created = 0; // seconds since 1970
 };
 
 ShotPtr makeShot(const ShotSpec& spec) {
-    const double modified = spec.modified < 0 ? spec.created : spec.modified;
     Shot shot("/home/u/Pictures/" + spec.name, 1000, dateFromSeconds(spec.created),
-              dateFromSeconds(modified));
+              dateFromSeconds(spec.created));
     std::vector<TextLine> lines;
     for (const std::string& text : spec.lines)
-        lines.push_back({text, 0.1f, 0.1f, 0.5f, 0.05f});
+        lines.push_back({text});
     shot.setLines(std::move(lines));
-    shot.readAt = dateFromSeconds(spec.created + 60);
     return std::make_shared<const Shot>(std::move(shot));
-}
-
-std::vector<std::string> namesOf(const std::vector<ShotPtr>& shots) {
-    std::vector<std::string> names;
-    for (const ShotPtr& shot : shots)
-        names.emplace_back(shot->name());
-    return names;
 }
 
 TEST(SearchQueryTest, ParsesTypedText) {
@@ -59,18 +48,14 @@ TEST(SearchQueryTest, ParsesTypedText) {
         {"quotes split words", "a\"b c\"d", {"a", "b c", "d"}},
         {"unclosed quote runs to the end", "x \"late fee  ", {"x", "late fee"}},
         {"empty quotes", "\"\" \"  \"", {}},
-        {"spaces and tabs trimmed inside quotes", "\" \t late  fee \t\"", {"late  fee"}},
+        {"spaces trimmed inside quotes", "\"\u00A0\t late  fee \u3000\"", {"late  fee"}},
         {"line feeds inside quotes stay", "\"\nlate\nfee\"", {"\nlate\nfee"}},
         {"nothing left after folding", "\u0301 \"\u0301\"", {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        const SearchQuery query(c.typed);
-        EXPECT_EQ(query.terms, c.terms);
-        EXPECT_EQ(query.isEmpty(), c.terms.empty());
+        EXPECT_EQ(SearchQuery(c.typed).terms, c.terms);
     }
-    EXPECT_EQ(SearchQuery("Invoice  CAFÉ"), SearchQuery("invoice cafe"));
-    EXPECT_FALSE(SearchQuery("invoice") == SearchQuery("invoice cafe"));
 }
 
 // A shot matches when it holds every term; its hit lines are those that hold any term.
@@ -80,7 +65,6 @@ TEST(SearchQueryTest, MatchesEveryTermAndMarksLinesWithAny) {
     const ShotPtr wide = makeShot({"wide.png", {"ABC order"}});
     const ShotPtr split = makeShot({"split.png", {"late", "fee"}});
     const ShotPtr spaced = makeShot({"spaced.png", {"Amount", "Total 1 250"}});
-    const ShotPtr nameOnly = makeShot({"Screenshot 2024-01-05 at 10.00.00.png", {}});
     const struct {
         const char* what;
         std::string typed;
@@ -95,7 +79,6 @@ TEST(SearchQueryTest, MatchesEveryTermAndMarksLinesWithAny) {
         {"part of a word", "voic", receipt, true, {1}},
         {"one term missing", "invoice zzz", receipt, false, {1}},
         {"a term in the file name", "img_0042", receipt, true, {}},
-        {"file name of a shot without text", "screenshot 2024", nameOnly, true, {}},
         {"separate words on separate lines", "late fee", split, true, {0, 1}},
         {"a quoted phrase does not reach across lines", "\"late fee\"", split, false, {}},
     };
@@ -138,45 +121,20 @@ TEST(SearchQueryTest, RanksByScoreThenNewestFirst) {
           {"plain.png", {"x fee fee fee"}, 200}, // 3
           {"FEE-list.png", {"x"}, 50}},          // 1 + 2 line start + 1 name
          {"FEE-list.png", "plain.png", "my-fee.png"}},
-        {"terms add up and must all be there",
-         "fee total",
-         {{"both.png", {"x fee", "x total"}, 100},      // 1 + 1
-          {"fee-only.png", {"x fee fee fee"}, 300},     // no total
-          {"twice.png", {"x fee fee", "x total"}, 50}}, // 2 + 1
-         {"twice.png", "both.png"}},
-        {"the file name is taken as folded, not as squashed",
-         ",5",
-         {{"Снимок 1,5.png", {"x"}, 100}, // 1 + 1 name
-          {"c.png", {"x ,5 ,5"}, 50}},    // 2
-         {"Снимок 1,5.png", "c.png"}},
-        {"a squashed number is not in the folded file name",
-         "15",
-         {{"Снимок 1,5.png", {"x"}, 50}, // 1, in the squashed copy only
-          {"d.png", {"x 15"}, 100}},     // 1
-         {"d.png", "Снимок 1,5.png"}},
         {"equal scores and dates keep their order",
-         "fee",
-         {{"p.png", {"x fee"}, 100}, {"q.png", {"x fee"}, 100}, {"r.png", {"x fee"}, 100}},
-         {"p.png", "q.png", "r.png"}},
-        {"equal scores and dates keep their order, reversed",
          "fee",
          {{"r.png", {"x fee"}, 100}, {"q.png", {"x fee"}, 100}, {"p.png", {"x fee"}, 100}},
          {"r.png", "q.png", "p.png"}},
-        {"no terms: every shot, newest first by the earlier of its dates",
-         " \t ",
-         {{"a.png", {}, 300, 100}, {"b.png", {}, 200, 250}, {"c.png", {}, 150, 150}},
-         {"b.png", "c.png", "a.png"}},
-        {"ties go by the earlier of the two dates",
-         "fee",
-         {{"old-file.png", {"x fee"}, 500, 10}, {"new-file.png", {"x fee"}, 100, 400}},
-         {"new-file.png", "old-file.png"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         std::vector<ShotPtr> shots;
         for (const ShotSpec& spec : c.shots)
             shots.push_back(makeShot(spec));
-        EXPECT_EQ(namesOf(SearchQuery(c.typed).rank(shots)), c.expected);
+        std::vector<std::string> names;
+        for (const ShotPtr& shot : SearchQuery(c.typed).rank(shots))
+            names.emplace_back(shot->name());
+        EXPECT_EQ(names, c.expected);
     }
 }
 
@@ -202,14 +160,19 @@ int scoreByTheRule(const Shot& shot, const std::vector<std::string>& terms) {
 // libraries are split between threads: on many made-up shots, some with search texts that are
 // not of this program's making (as a library file may hold), the order must be the rule's.
 TEST(SearchQueryTest, RanksManyShotsAsTheRuleSays) {
-    test::RandomText text{
-        {"1", "25", ",", " ", "\u00A0", "fee", "Fée", "total", "٣", "a", "\n", ", 5", "½"},
-        std::mt19937(11)};
-    auto& random = text.random;
+    const std::string pieces[] = {"1",     "25", ",", " ",  "\u00A0", "fee", "Fée",
+                                  "total", "٣",  "a", "\n", ", 5",    "½"};
+    std::mt19937 random(11);
+    const auto text = [&](size_t count) {
+        std::string out;
+        for (size_t i = 0; i < count; ++i)
+            out += pieces[random() % std::size(pieces)];
+        return out;
+    };
     std::vector<ShotPtr> shots;
     for (int i = 0; i < 24000; ++i) {
-        Shot shot("/p/" + text(2) + ".png", 1, dateFromSeconds(random() % 50), Date{});
-        shot.modified = shot.created;
+        Shot shot("/p/" + text(2) + ".png", 1, dateFromSeconds(random() % 50),
+                  dateFromSeconds(random() % 50));
         shot.setLines({{text(6)}, {text(6)}});
         if (i % 10 == 0) { // written by another program: a text that is not the lines', with
                            // its copy squashed in whole, in part, or missing
@@ -223,16 +186,17 @@ TEST(SearchQueryTest, RanksManyShotsAsTheRuleSays) {
         }
         shots.push_back(std::make_shared<const Shot>(std::move(shot)));
     }
-    for (const std::string typed :
-         {"fee", "fee total", "a", ",", "125", "1 25", "\", 5\"", "\"a\nf\"", "٣", "total 1"}) {
+    for (const std::string typed : {" ", "fee", "fee total", "a", ",", "125", "1 25", "\", 5\"",
+                                    "\"a\nf\"", "٣", "total 1"}) {
         SCOPED_TRACE(typed);
         const SearchQuery query(typed);
         std::vector<std::pair<int, ShotPtr>> expected;
         for (const ShotPtr& shot : shots)
             if (const int score = scoreByTheRule(*shot, query.terms); score >= 0)
                 expected.emplace_back(score, shot);
-        std::stable_sort(expected.begin(), expected.end(), [](const auto& a, const auto& b) {
-            return a.first != b.first ? a.first > b.first : a.second->date() > b.second->date();
+        const auto date = [](const Shot& shot) { return std::min(shot.created, shot.modified); };
+        std::stable_sort(expected.begin(), expected.end(), [&](const auto& a, const auto& b) {
+            return a.first != b.first ? a.first > b.first : date(*a.second) > date(*b.second);
         });
         const std::vector<ShotPtr> ranked = query.rank(shots);
         ASSERT_EQ(ranked.size(), expected.size());

@@ -69,15 +69,4 @@ TEST(Shape, ChatAndCodeScores) {
     }
 }
 
-TEST(Shape, CountsMoneyDiscountsAirportsDurationsAndDistances) {
-    const Shape s(Lines{}, "₹499 and $12.50\n20% off\nDEL → BOM\n45 min, 2 hr\n3.5 km 200 m 1 mi");
-    EXPECT_EQ(s.moneyCount, 2);
-    EXPECT_TRUE(s.hasPercentOff);
-    EXPECT_TRUE(s.hasAirportPair);
-    EXPECT_EQ(s.durationCount, 2);
-    EXPECT_EQ(s.distanceCount, 3);
-    const Shape none(Lines{}, "nothing to see here");
-    EXPECT_FALSE(none.hasPercentOff || none.hasAirportPair);
-}
-
 } // namespace

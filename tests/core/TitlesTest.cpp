@@ -38,7 +38,7 @@ TEST(Titles, FirstLineThatReadsLikeATitleCutToWholeCharacters) {
         {"clock with am pm is chrome", {"10:30 PM", "Meeting 10:30 PM"}, "Meeting 10 30 PM"},
         {"ends in a time", {"Mom 9:41", "Lunch 12:30", "Lunch: 12:30"}, "Lunch  12 30"},
         {"too short or without letters", {"ab", "12345", "€ 40", "Hi!"}, "Hi!"},
-        {"trimmed", {"  \tOrder #12  \n"}, "Order #12"},
+        {"trimmed", {" \t\u00a0Order #12 \u2028\n"}, "Order #12"},
         {"cleaned for a file name", {"Invoice 12/03/2024 10:30"}, "Invoice 12-03-2024 10 30"},
         {"breaks become spaces", {"Trip to\n\nGoa\r\nDay 2"}, "Trip to Goa Day 2"},
         {"receipt", {"Brew & Bloom Café", "12 Residency Road, Bengaluru"}, "Brew & Bloom Café"},
