@@ -28,19 +28,10 @@ printf 'lumivale-test' | HOME="$home" XDG_DATA_HOME="$home/data" XDG_CONFIG_HOME
     gnome-keyring-daemon --daemonize --unlock --components=secrets >/dev/null
 
 # Wait for the service's name without asking for it, which could start a second daemon.
-owner() {
-    dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
-        org.freedesktop.DBus.GetConnectionUnixProcessID string:org.freedesktop.secrets 2>/dev/null |
-        awk '/uint32/ { print $2 }' || true
-}
-for _ in $(seq 100); do
-    daemon="$(owner)"
-    [ -n "$daemon" ] && break
-    sleep 0.05
-done
-if [ -z "$daemon" ]; then
-    echo "with-keyring: the Secret Service did not start" >&2
-    exit 1
-fi
+gdbus wait --session --timeout 10 org.freedesktop.secrets ||
+    { echo "with-keyring: the Secret Service did not start" >&2; exit 1; }
+daemon="$(gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
+    --method org.freedesktop.DBus.GetConnectionUnixProcessID org.freedesktop.secrets |
+    awk -F '[ ,]' '{ print $2 }')"
 
 LUMIVALE_TEST_KEYRING=1 "$@"
