@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 using lumivale::FoundFile;
@@ -24,18 +23,13 @@ namespace {
 void make(const std::string& root, const std::vector<std::string>& items) {
     for (const std::string& item : items) {
         const size_t arrow = item.find("->"), equals = item.find('=');
-        const fs::path path = fs::path(root) / item.substr(0, std::min(arrow, equals));
+        const fs::path path = root + "/" + item.substr(0, std::min(arrow, equals));
         fs::create_directories(item.ends_with('/') ? path : path.parent_path());
-        if (item.ends_with('/')) continue;
-        if (arrow != std::string::npos) {
-            fs::create_symlink(fs::path(root) / item.substr(arrow + 2), path);
-            continue;
-        }
-        const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        ASSERT_GE(fd, 0) << path;
-        const int64_t size = equals == std::string::npos ? 3 : std::stoll(item.substr(equals + 1));
-        ASSERT_EQ(ftruncate(fd, size), 0) << path;
-        close(fd);
+        if (arrow != std::string::npos)
+            fs::create_symlink(root + "/" + item.substr(arrow + 2), path);
+        else if (!item.ends_with('/'))
+            fs::resize_file(lumivale::test::writeFile(path.string(), ""),
+                            equals == std::string::npos ? 3 : std::stoll(item.substr(equals + 1)));
     }
 }
 
@@ -103,21 +97,21 @@ TEST(FoldersTest, ReportsPathSizeAndDates) {
     const auto before = lumivale::now() - std::chrono::seconds(1);
     make(dir.str(), {"shot.png=12345"});
     const auto after = lumivale::now() + std::chrono::seconds(1);
-    const timespec times[2] = {{978307200, 250'000'000}, {978307200, 500'000'000}};
-    ASSERT_EQ(utimensat(AT_FDCWD, dir.file("shot.png").c_str(), times, 0), 0);
+    const lumivale::Date modified = lumivale::dateFromSeconds(978307200.5);
+    fs::last_write_time(dir.file("shot.png"), std::chrono::file_clock::from_sys(modified));
 
     const auto found = Folders::list(dir.str() + "/", false, 0, {}, 10);
     ASSERT_EQ(found.size(), 1u);
     EXPECT_EQ(found[0].path, dir.file("shot.png"));
     EXPECT_EQ(found[0].size, 12345);
-    EXPECT_EQ(found[0].modified, lumivale::dateFromSeconds(978307200.5));
+    EXPECT_EQ(found[0].modified, modified);
     struct statx st;
     ASSERT_EQ(statx(AT_FDCWD, dir.file("shot.png").c_str(), 0, STATX_BTIME, &st), 0);
     if (st.stx_mask & STATX_BTIME) {
         EXPECT_GE(found[0].created, before);
         EXPECT_LE(found[0].created, after);
     } else {
-        EXPECT_EQ(found[0].created, found[0].modified);
+        EXPECT_EQ(found[0].created, modified);
     }
 }
 
