@@ -50,30 +50,28 @@ TEST(ScreenshotFolderTest, ResolvesStoredLocations) {
     EXPECT_FALSE(ScreenshotFolder::isFolder(dir.file("Shots/a.png")));
 }
 
-TEST(ScreenshotFolderTest, DisplayNamesAreRelativeToHome) {
+TEST(ScreenshotFolderTest, NamesFoldersFromHomeAndTellsWhichAreShared) {
+    // Home, the Desktop and the Pictures folder also hold other things than screenshots.
+    const UserDirs dirs{"/Users/a/Schreibtisch", "/Users/a/Bilder"};
     const struct {
-        std::string path, home, expected;
+        std::string path, home, displayName;
+        bool shared;
     } cases[] = {
-        {"/Users/a/Desktop/Shots", "/Users/a", "Desktop \u203A Shots"},
-        {"/Users/a/", "/Users/a", "Home"},
-        {"/Users/a/Desktop", "/Users/a/", "Desktop"},
-        {"/Users/a/Desktop/../Pictures/./Shots", "/Users/a", "Pictures \u203A Shots"},
-        {"/Users/ab/Shots", "/Users/a", "/Users/ab/Shots"},
-        {"/Users", "/Users/a", "/Users"},
+        {"/Users/a/Schreibtisch/Shots", "/Users/a", "Schreibtisch \u203A Shots", false},
+        {"/Users/a/", "/Users/a", "Home", true},
+        {"/Users/a/Schreibtisch", "/Users/a/", "Schreibtisch", true},
+        {"/Users/a/Bilder/", "/Users/a", "Bilder", true},
+        {"/Users/a/Bilder/../Schreibtisch", "/Users/a", "Schreibtisch", true},
+        {"/Users/a/Desktop/../Bilder/./Shots", "/Users/a", "Bilder \u203A Shots", false},
+        {"/Users/a/Pictures", "/Users/a", "Pictures", false},
+        {"/Users/ab/Shots", "/Users/a", "/Users/ab/Shots", false},
+        {"/Users", "/Users/a", "/Users", false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.path + " under " + c.home);
-        EXPECT_EQ(ScreenshotFolder::displayName(c.path, c.home), c.expected);
+        EXPECT_EQ(ScreenshotFolder::displayName(c.path, c.home), c.displayName);
+        EXPECT_EQ(ScreenshotFolder::isShared(c.path, c.home, dirs), c.shared);
     }
-}
-
-TEST(ScreenshotFolderTest, SharedFoldersAreHomeDesktopAndPictures) {
-    const UserDirs dirs{"/home/u/Schreibtisch", "/home/u/Bilder"};
-    for (const char* folder :
-         {"/home/u/", "/home/u/Schreibtisch", "/home/u/Bilder/", "/home/u/Bilder/../Schreibtisch"})
-        EXPECT_TRUE(ScreenshotFolder::isShared(folder, "/home/u", dirs)) << folder;
-    for (const char* folder : {"/home/u/Bilder/Screenshots", "/home/u/Pictures"})
-        EXPECT_FALSE(ScreenshotFolder::isShared(folder, "/home/u", dirs)) << folder;
 }
 
 TEST(ScreenshotNameTest, OnlyTheStartOfTheFoldedNameCounts) {
