@@ -1,5 +1,6 @@
 #include "platform/ScreenshotFolderLocation.h"
 
+#include "support/ChildRun.h"
 #include "support/TempDir.h"
 
 #include <cstdlib>
@@ -15,37 +16,6 @@ using lumivale::test::writeFile;
 
 namespace {
 
-// Installs gnome-screenshot's schema (the one key that matters, as the real schema declares it)
-// into a private schema folder, with settings kept in a key file of the test's private home.
-// GLib reads these variables once per process, so this happens before any test runs.
-class GnomeScreenshotSchema : public ::testing::Environment {
-    void SetUp() override {
-        const fs::path dir = fs::path(std::getenv("LUMIVALE_TEST_ROOT")) / "schemas";
-        writeFile((dir / "org.gnome.gnome-screenshot.gschema.xml").string(),
-                  R"(<schemalist>
-  <schema id="org.gnome.gnome-screenshot" path="/org/gnome/gnome-screenshot/">
-    <key name="auto-save-directory" type="s"><default>''</default></key>
-    <key name="take-window-shot" type="b"><default>false</default></key>
-  </schema>
-</schemalist>
-)");
-        const std::string compile = "glib-compile-schemas '" + dir.string() + "' >/dev/null 2>&1";
-        ASSERT_EQ(std::system(compile.c_str()), 0) << "glib-compile-schemas (libglib2.0-bin)";
-        setenv("GSETTINGS_SCHEMA_DIR", dir.c_str(), 1);
-        setenv("GSETTINGS_BACKEND", "keyfile", 1);
-    }
-};
-const auto* const schemaEnvironment =
-    ::testing::AddGlobalTestEnvironment(new GnomeScreenshotSchema);
-
-// Sets gnome-screenshot's save folder, as its preferences would.
-void setGnomeLocation(const std::string& value) {
-    GSettings* settings = g_settings_new("org.gnome.gnome-screenshot");
-    g_settings_set_string(settings, "auto-save-directory", value.c_str());
-    g_settings_sync();
-    g_object_unref(settings);
-}
-
 // Each tool's settings file, relative to home.
 const std::string rc = ".config/spectaclerc";
 const std::string fl = ".config/flameshot/flameshot.ini";
@@ -58,6 +28,18 @@ const std::string xfce = "app=gimp\nscreenshot_dir=file://{home}/Xfce\nenable_im
 const std::string fallback = "Pictures/Screenshots";
 
 TEST(ScreenshotFolderLocationTest, ReadsEachToolsSettingInTurn) {
+    // gnome-screenshot's schema (its save folder's key, as the real schema declares it) in a
+    // private schema folder, with settings kept in a key file; before GLib's first look.
+    const TempDir schemas;
+    writeFile(schemas.file("org.gnome.gnome-screenshot.gschema.xml"), R"(<schemalist>
+  <schema id="org.gnome.gnome-screenshot" path="/org/gnome/gnome-screenshot/">
+    <key name="auto-save-directory" type="s"><default>''</default></key>
+  </schema>
+</schemalist>
+)");
+    ASSERT_TRUE(lumivale::test::runShell("glib-compile-schemas '" + schemas.str() + "'"));
+    setenv("GSETTINGS_SCHEMA_DIR", schemas.str().c_str(), 1);
+    setenv("GSETTINGS_BACKEND", "keyfile", 1);
     const struct {
         std::string name;
         std::map<std::string, std::string> files;
@@ -117,12 +99,12 @@ TEST(ScreenshotFolderLocationTest, ReadsEachToolsSettingInTurn) {
         };
         for (const auto& [name, text] : c.files)
             writeFile(home + "/" + name, withHome(text));
-        setGnomeLocation(withHome(c.gnome));
+        GSettings* gnome = g_settings_new("org.gnome.gnome-screenshot"); // as its preferences do
+        g_settings_set_string(gnome, "auto-save-directory", withHome(c.gnome).c_str());
+        g_settings_sync();
+        g_object_unref(gnome);
         setenv("XDG_CONFIG_HOME", (home + "/.config").c_str(), 1);
-        if (c.kde)
-            setenv("XDG_CURRENT_DESKTOP", "KDE", 1);
-        else
-            unsetenv("XDG_CURRENT_DESKTOP");
+        setenv("XDG_CURRENT_DESKTOP", c.kde ? "KDE" : "ubuntu:GNOME", 1);
         EXPECT_EQ(ScreenshotFolder::current(home), home + "/" + c.expected);
     }
 }
