@@ -46,20 +46,20 @@ TEST_F(TrashTest, PutMovesTheFileAndWritesItsInfoUnderAFreeName) {
     const std::string numbered = "my shot 100% ü 2.png";
     const struct {
         const char* name;
-        std::vector<std::string> inFiles, inInfo; // what the Trash already holds
+        std::vector<std::string> held; // what the Trash already holds
         std::string landed;
     } cases[] = {
-        {"an empty Trash", {}, {}, awkwardName},
-        {"a file of that name", {awkwardName}, {awkwardName + ".trashinfo"}, numbered},
-        {"only an info of that name", {}, {awkwardName + ".trashinfo"}, numbered},
+        {"an empty Trash", {}, awkwardName},
+        {"a file of that name",
+         {"files/" + awkwardName, "info/" + awkwardName + ".trashinfo"},
+         numbered},
+        {"only an info of that name", {"info/" + awkwardName + ".trashinfo"}, numbered},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         fs::remove_all(trash);
-        for (const std::string& name : c.inFiles)
-            writeFile(trash + "/files/" + name, "older");
-        for (const std::string& name : c.inInfo)
-            writeFile(trash + "/info/" + name, "older");
+        for (const std::string& name : c.held)
+            writeFile(trash + "/" + name, "older");
         const std::string path = writeFile(work.file(awkwardName), "ours");
 
         const TrashOutcome outcome = Trash::put(path, deletedAt);
@@ -68,10 +68,8 @@ TEST_F(TrashTest, PutMovesTheFileAndWritesItsInfoUnderAFreeName) {
         EXPECT_EQ(outcome.place, trash + "/files/" + c.landed);
         EXPECT_EQ(readFile(trash + "/files/" + c.landed), "ours");
         EXPECT_EQ(readFile(trash + "/info/" + c.landed + ".trashinfo"), infoText(work.str() + "/"));
-        for (const std::string& name : c.inFiles)
-            EXPECT_EQ(readFile(trash + "/files/" + name), "older");
-        for (const std::string& name : c.inInfo)
-            EXPECT_EQ(readFile(trash + "/info/" + name), "older");
+        for (const std::string& name : c.held)
+            EXPECT_EQ(readFile(trash + "/" + name), "older");
     }
 }
 
