@@ -71,20 +71,6 @@ TEST(PamAuthenticator, checksThePasswordAndTheAccount) {
     }
 }
 
-// Tells the mock authority something through its Mock interface.
-void tellAuthority(const std::string& method, const std::string& args) {
-    const std::string command =
-        "gdbus call --system --dest org.freedesktop.PolicyKit1 --object-path "
-        "/org/freedesktop/PolicyKit1/Authority --method org.freedesktop.DBus.Mock." +
-        method + " " + args + " >/dev/null";
-    ASSERT_EQ(system(command.c_str()), 0) << command;
-}
-
-// Makes the mock's CheckAuthorization run this Python code instead.
-std::string checkAuthorizationDoing(const std::string& code) {
-    return "'' CheckAuthorization '(sa{sv})sa{ss}us' '(bba{ss})' \"" + code + "\"";
-}
-
 TEST(PolkitAuthenticator, followsTheAuthorityAndFallsBackToPamWhenItCannotDecide) {
     const test::TempDir services;
     std::vector<std::string> wrapper{
@@ -93,25 +79,29 @@ TEST(PolkitAuthenticator, followsTheAuthorityAndFallsBackToPamWhenItCannotDecide
         wrapper.push_back(key + "=" + value);
     if (!test::runsInChild({"polkit", wrapper, {}, 90s})) return;
     knowUser(services, rightPassword, "lumivale");
+    // What the mock authority is told through its Mock interface before each case.
+    const std::string checkDoing =
+        "AddMethod '' CheckAuthorization '(sa{sv})sa{ss}us' '(bba{ss})' ";
     const struct {
         const char* name;
-        const char* method; // what the authority is told before the case, if anything
-        std::string args;
+        std::string tell;
         std::optional<std::string> typed;
         bool expected, asksForPassword;
     } cases[] = {
-        {"refused", nullptr, "", rightPassword, false, false},
-        {"allowed", "SetAllowed", "\"['app.orvane.lumivale.unlock']\"", std::nullopt, true, false},
-        {"no agent to ask", "AddMethod", checkAuthorizationDoing("ret = (False, True, {})"),
-         rightPassword, true, true},
-        {"action not installed", "AddMethod",
-         checkAuthorizationDoing("raise dbus.exceptions.DBusException('Action is not "
-                                 "registered', name='org.freedesktop.PolicyKit1.Error.Failed')"),
+        {"refused", "SetAllowed \"[]\"", rightPassword, false, false},
+        {"allowed", "SetAllowed \"['app.orvane.lumivale.unlock']\"", std::nullopt, true, false},
+        {"no agent to ask", checkDoing + "'ret = (False, True, {})'", rightPassword, true, true},
+        {"action not installed",
+         checkDoing + "\"raise dbus.exceptions.DBusException('Action is not registered', "
+                      "name='org.freedesktop.PolicyKit1.Error.Failed')\"",
          "wrong", false, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        if (c.method) tellAuthority(c.method, c.args);
+        ASSERT_TRUE(test::runShell("gdbus call --system --dest org.freedesktop.PolicyKit1 "
+                                   "--object-path /org/freedesktop/PolicyKit1/Authority "
+                                   "--method org.freedesktop.DBus.Mock." +
+                                   c.tell));
         std::vector<std::string> asked;
         PolkitAuthenticator polkit(std::make_unique<PamAuthenticator>(answering(c.typed, asked)));
         EXPECT_EQ(polkit.authenticate(reason), c.expected);
