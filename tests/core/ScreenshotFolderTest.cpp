@@ -96,9 +96,7 @@ TEST(UserDirsTest, ParsesTheUserDirsFile) {
         std::string text, pictures;
     } cases[] = {
         {"", "/home/u/Pictures"},
-        {"# by "
-         "xdg-user-dirs-update\nXDG_DOWNLOAD_DIR=\"$HOME/Dl\"\nXDG_PICTURES_DIR=\"$HOME/Bilder\"",
-         "/home/u/Bilder"},
+        {"XDG_DOWNLOAD_DIR=\"$HOME/Dl\"\nXDG_PICTURES_DIR=\"$HOME/Bilder\"", "/home/u/Bilder"},
         {"XDG_PICTURES_DIR=\"/data/pics/\"", "/data/pics"},
         {"XDG_PICTURES_DIR=\"$HOME/My \\\"Pics\\\" \\\\ x\"", "/home/u/My \"Pics\" \\ x"},
         {"XDG_PICTURES_DIR=$HOME/Fotos", "/home/u/Fotos"},

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace lumivale {
@@ -74,8 +73,7 @@ TEST_F(TrashTest, PutMovesTheFileAndWritesItsInfoUnderAFreeName) {
 }
 
 TEST_F(TrashTest, AFileThatCannotGoLeavesNoInfo) {
-    const TrashOutcome missing = Trash::put(work.file("absent.png"), deletedAt);
-    EXPECT_FALSE(missing.status.isOk());
+    EXPECT_FALSE(Trash::put(work.file("absent.png"), deletedAt).status.isOk());
     EXPECT_TRUE(test::namesIn(trash + "/info").empty());
 
     // On a read-only disk the file cannot leave its folder: the copy in the home Trash and
@@ -120,9 +118,7 @@ TEST_F(TrashTest, AFileOnAnotherMountGoesToThatMountsTrash) {
         EXPECT_NE(test::runShell("trash-list").value_or("").find("01:30:05 " + path + "\n"),
                   std::string::npos)
             << "trash-cli finds it";
-        struct stat st {};
-        ASSERT_EQ(lstat(root.c_str(), &st), 0);
-        EXPECT_EQ(st.st_mode & 0777, 0700u);
+        EXPECT_EQ(fs::symlink_status(root).permissions(), fs::perms::owner_all);
     }
 }
 

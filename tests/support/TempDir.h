@@ -15,7 +15,6 @@ class TempDir {
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
 
-    const std::filesystem::path& path() const { return path_; }
     std::string str() const { return path_.string(); }
     // path() / name, as a string.
     std::string file(const std::string& name) const { return (path_ / name).string(); }
