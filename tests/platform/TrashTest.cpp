@@ -42,17 +42,15 @@ class TrashTest : public ::testing::Test {
 };
 
 TEST_F(TrashTest, PutMovesTheFileAndWritesItsInfoUnderAFreeName) {
-    const std::string numbered = "my shot 100% ü 2.png";
+    const std::string numbered = "my shot 100% ü 2.png", info = awkwardName + ".trashinfo";
     const struct {
         const char* name;
         std::vector<std::string> held; // what the Trash already holds
         std::string landed;
     } cases[] = {
         {"an empty Trash", {}, awkwardName},
-        {"a file of that name",
-         {"files/" + awkwardName, "info/" + awkwardName + ".trashinfo"},
-         numbered},
-        {"only an info of that name", {"info/" + awkwardName + ".trashinfo"}, numbered},
+        {"a file of that name", {"files/" + awkwardName, "info/" + info}, numbered},
+        {"only an info of that name", {"info/" + info}, numbered},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
