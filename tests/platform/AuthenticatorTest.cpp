@@ -7,7 +7,6 @@
 #include "support/TempDir.h"
 
 #include <cstdlib>
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <unistd.h>
@@ -16,23 +15,16 @@ namespace lumivale {
 namespace {
 
 using namespace std::chrono_literals;
-namespace fs = std::filesystem;
 
 const std::string reason = "open your locked screenshots";
 const std::string rightPassword = "correct horse";
 
-std::string pamMatrixModule() {
-    std::error_code ec;
-    for (const auto& entry : fs::directory_iterator("/usr/lib", ec))
-        if (fs::exists(entry.path() / "pam_wrapper/pam_matrix.so"))
-            return (entry.path() / "pam_wrapper/pam_matrix.so").string();
-    return "pam_matrix.so";
-}
-
 // The environment that puts PAM under pam_wrapper from the process's start, with a "lumivale"
 // service in `dir` that checks passwords with pam_matrix against the file PAM_MATRIX_PASSWD names.
 std::vector<std::pair<std::string, std::string>> underPamWrapper(const test::TempDir& dir) {
-    const std::string module = pamMatrixModule();
+    const std::string module =
+        test::runShell("ls /usr/lib/*/pam_wrapper/pam_matrix.so | head -n 1 | tr -d '\\n'")
+            .value_or("pam_matrix.so");
     test::writeFile(dir.file("services/lumivale"),
                     "auth required " + module + "\naccount required " + module + "\n");
     return {{"LD_PRELOAD", "libpam_wrapper.so"},
@@ -48,19 +40,13 @@ void knowUser(const test::TempDir& dir, const std::string& password, const std::
     setenv("PAM_MATRIX_PASSWD", passdb.c_str(), 1);
 }
 
-// A prompt that gives a fixed answer (nothing: the user cancels) and notes each question.
-struct Prompt {
-    std::optional<std::string> answer;
-    std::vector<std::string> asked;
-
-    PasswordPrompt function() {
-        return [this](const std::string& why) -> std::optional<SecretText> {
-            asked.push_back(why);
-            if (!answer) return std::nullopt;
-            return SecretText(*answer);
-        };
-    }
-};
+// A prompt that notes each question and gives this answer (nothing: the user cancels).
+PasswordPrompt answering(std::optional<std::string> answer, std::vector<std::string>& asked) {
+    return [answer, &asked](const std::string& why) -> std::optional<SecretText> {
+        asked.push_back(why);
+        return answer ? std::optional(SecretText(*answer)) : std::nullopt;
+    };
+}
 
 TEST(PamAuthenticator, checksThePasswordAndTheAccount) {
     const test::TempDir services;
@@ -79,25 +65,10 @@ TEST(PamAuthenticator, checksThePasswordAndTheAccount) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         knowUser(services, rightPassword, c.allowedService);
-        Prompt prompt{c.typed, {}};
-        PamAuthenticator pam(prompt.function());
-        EXPECT_EQ(pam.authenticate(reason), c.expected);
-        EXPECT_EQ(prompt.asked, std::vector<std::string>{reason});
+        std::vector<std::string> asked;
+        EXPECT_EQ(PamAuthenticator(answering(c.typed, asked)).authenticate(reason), c.expected);
+        EXPECT_EQ(asked, std::vector<std::string>{reason});
     }
-}
-
-// Tells the mock authority something through its Mock interface.
-void tellAuthority(const std::string& method, const std::string& args) {
-    const std::string command =
-        "gdbus call --system --dest org.freedesktop.PolicyKit1 --object-path "
-        "/org/freedesktop/PolicyKit1/Authority --method org.freedesktop.DBus.Mock." +
-        method + " " + args + " >/dev/null";
-    ASSERT_EQ(system(command.c_str()), 0) << command;
-}
-
-// Makes the mock's CheckAuthorization run this Python code instead.
-std::string checkAuthorizationDoing(const std::string& code) {
-    return "'' CheckAuthorization '(sa{sv})sa{ss}us' '(bba{ss})' \"" + code + "\"";
 }
 
 TEST(PolkitAuthenticator, followsTheAuthorityAndFallsBackToPamWhenItCannotDecide) {
@@ -108,31 +79,33 @@ TEST(PolkitAuthenticator, followsTheAuthorityAndFallsBackToPamWhenItCannotDecide
         wrapper.push_back(key + "=" + value);
     if (!test::runsInChild({"polkit", wrapper, {}, 90s})) return;
     knowUser(services, rightPassword, "lumivale");
+    // What the mock authority is told through its Mock interface before each case.
+    const std::string checkDoing =
+        "AddMethod '' CheckAuthorization '(sa{sv})sa{ss}us' '(bba{ss})' ";
     const struct {
         const char* name;
-        const char* method; // what the authority is told before the case, in this order
-        std::string args;
+        std::string tell;
         std::optional<std::string> typed;
         bool expected, asksForPassword;
     } cases[] = {
-        {"refused", nullptr, "", rightPassword, false, false},
-        {"allowed", "SetAllowed", "\"['app.orvane.lumivale.unlock']\"", std::nullopt, true, false},
-        {"no agent to ask: right password", "AddMethod",
-         checkAuthorizationDoing("ret = (False, True, {})"), rightPassword, true, true},
-        {"no agent to ask: cancelled", nullptr, "", std::nullopt, false, true},
-        {"action not installed: wrong password", "AddMethod",
-         checkAuthorizationDoing("raise dbus.exceptions.DBusException('Action is not "
-                                 "registered', name='org.freedesktop.PolicyKit1.Error.Failed')"),
+        {"refused", "SetAllowed \"[]\"", rightPassword, false, false},
+        {"allowed", "SetAllowed \"['app.orvane.lumivale.unlock']\"", std::nullopt, true, false},
+        {"no agent to ask", checkDoing + "'ret = (False, True, {})'", rightPassword, true, true},
+        {"action not installed",
+         checkDoing + "\"raise dbus.exceptions.DBusException('Action is not registered', "
+                      "name='org.freedesktop.PolicyKit1.Error.Failed')\"",
          "wrong", false, true},
-        {"action not installed: right password", nullptr, "", rightPassword, true, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        if (c.method) tellAuthority(c.method, c.args);
-        Prompt prompt{c.typed, {}};
-        PolkitAuthenticator polkit(std::make_unique<PamAuthenticator>(prompt.function()));
+        ASSERT_TRUE(test::runShell("gdbus call --system --dest org.freedesktop.PolicyKit1 "
+                                   "--object-path /org/freedesktop/PolicyKit1/Authority "
+                                   "--method org.freedesktop.DBus.Mock." +
+                                   c.tell));
+        std::vector<std::string> asked;
+        PolkitAuthenticator polkit(std::make_unique<PamAuthenticator>(answering(c.typed, asked)));
         EXPECT_EQ(polkit.authenticate(reason), c.expected);
-        EXPECT_EQ(prompt.asked.size(), c.asksForPassword ? 1u : 0u);
+        EXPECT_EQ(asked.size(), c.asksForPassword ? 1u : 0u);
     }
 }
 

@@ -4,7 +4,6 @@
 
 #include "support/ChildRun.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -15,53 +14,46 @@ using namespace std::chrono_literals;
 
 const std::string item = "service app.orvane.lumivale.vault account vault-key";
 
-// Each test runs in a fresh keyring of its own.
-const test::ChildSetup inKeyring{
-    "keyring", {"bash", LUMIVALE_TEST_SOURCE_DIR "/tests/support/with-keyring.sh"}, {}, 60s};
-
 std::string shell(const std::string& command) {
     return test::runShell(command).value_or("(failed)");
-}
-
-// The items of the vault's service, as secret-tool describes them.
-std::string items() {
-    return shell("secret-tool search --all service app.orvane.lumivale.vault 2>&1");
 }
 
 std::string keyBytes(const VaultKey& key) {
     return {reinterpret_cast<const char*>(key.bytes().data()), key.bytes().size()};
 }
 
-TEST(KeychainKey, firstCallMakesOneItemThatLaterCallsAndOtherClientsFind) {
-    if (!test::runsInChild(inKeyring)) return;
+TEST(KeychainKey, isMadeOnceFoundByOtherClientsAndNeverReplaced) {
+    if (!test::runsInChild(
+            {"keyring", {"bash", LUMIVALE_TEST_SOURCE_DIR "/tests/support/with-keyring.sh"}}))
+        return;
+    // The items of the vault's service, as secret-tool describes them: exactly one, labelled.
+    const auto expectOneItem = [](const std::string& label) {
+        const std::string found =
+            shell("secret-tool search --all service app.orvane.lumivale.vault 2>&1");
+        EXPECT_EQ(found.find("label = "), found.rfind("label = ")) << "one item: " << found;
+        EXPECT_NE(found.find("label = " + label + "\n"), std::string::npos) << found;
+        return found;
+    };
     const auto first = KeychainKey().key();
     ASSERT_TRUE(first) << first.error();
-    const std::string found = items();
-    EXPECT_EQ(found.find("label = "), found.rfind("label = ")) << "one item: " << found;
-    EXPECT_NE(found.find("label = Lumivale locked screenshots\n"), std::string::npos) << found;
+    const std::string found = expectOneItem("Lumivale locked screenshots");
     EXPECT_NE(found.find("attribute.service = app.orvane.lumivale.vault\n"), std::string::npos);
     EXPECT_NE(found.find("attribute.account = vault-key\n"), std::string::npos);
-
     const auto second = KeychainKey().key();
     ASSERT_TRUE(second) << second.error();
     EXPECT_EQ(keyBytes(second.value()), keyBytes(first.value()));
     EXPECT_EQ(shell("secret-tool lookup " + item), keyBytes(first.value()));
-}
 
-TEST(KeychainKey, storedDataOfAnotherSizeIsRefusedAndKept) {
-    if (!test::runsInChild(inKeyring)) return;
+    // Stored data of another size is refused, and the item is left as it was.
     for (const std::string& stored : {std::string("0123456789abcdef"), std::string(33, 'k')}) {
         SCOPED_TRACE(std::to_string(stored.size()) + " bytes");
-        ASSERT_TRUE(
-            test::runShell("printf %s '" + stored + "' | secret-tool store --label=Old " + item));
+        ASSERT_TRUE(test::runShell("secret-tool clear " + item + " && printf %s '" + stored +
+                                   "' | secret-tool store --label=Old " + item));
         const auto key = KeychainKey().key();
         ASSERT_FALSE(key);
         EXPECT_EQ(key.error(), VaultError::keychain(0));
-        // The foreign item is left as it was, not replaced by a new key.
         EXPECT_EQ(shell("secret-tool lookup " + item), stored);
-        EXPECT_NE(items().find("label = Old\n"), std::string::npos);
-        EXPECT_EQ(items().find("label = "), items().rfind("label = "));
-        ASSERT_TRUE(test::runShell("secret-tool clear " + item));
+        expectOneItem("Old");
     }
 }
 

@@ -37,12 +37,9 @@ bool runsInChild(const ChildSetup& setup) {
         command += " " + quoted(arg);
     const int status = std::system(command.c_str());
     const int exit = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    if (exit == 124) {
-        ADD_FAILURE() << "the child run (" << setup.name << ") took longer than "
-                      << setup.timeout.count() << " s and was stopped";
-    } else {
-        EXPECT_EQ(exit, 0) << "the child run (" << setup.name << ") failed; its output is above";
-    }
+    EXPECT_EQ(exit, 0) << "the child run (" << setup.name << ") "
+                       << (exit == 124 ? "overran its time and was stopped" : "failed")
+                       << "; its output is above";
     return false;
 }
 

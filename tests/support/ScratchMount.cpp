@@ -3,7 +3,6 @@
 #include "support/TempDir.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <sys/mount.h>
@@ -13,24 +12,12 @@
 namespace fs = std::filesystem;
 
 namespace lumivale::test {
-namespace {
-
-std::string testRoot() {
-    const char* root = std::getenv("LUMIVALE_TEST_ROOT");
-    return root ? root : fs::temp_directory_path().string();
-}
-
-bool sameFileSystem(const std::string& a, const std::string& b) {
-    struct stat sa {
-    }, sb{};
-    return stat(a.c_str(), &sa) == 0 && stat(b.c_str(), &sb) == 0 && sa.st_dev == sb.st_dev;
-}
-
-} // namespace
 
 ScratchMount::ScratchMount(Where where, const std::string& options) {
-    if (where == Where::anyOther && access("/dev/shm", W_OK) == 0 &&
-        !sameFileSystem(testRoot(), "/dev/shm")) {
+    struct stat root = {}, shm = {};
+    const bool shmIsAnother = stat(testRoot().c_str(), &root) == 0 && stat("/dev/shm", &shm) == 0 &&
+                              root.st_dev != shm.st_dev && access("/dev/shm", W_OK) == 0;
+    if (where == Where::anyOther && shmIsAnother) {
         std::string folder = "/dev/shm/lumivale-test-XXXXXX";
         if (mkdtemp(folder.data())) {
             path_ = folder;
@@ -42,11 +29,7 @@ ScratchMount::ScratchMount(Where where, const std::string& options) {
         return;
     }
     std::string point = testRoot() + "/mount-XXXXXX";
-    if (!mkdtemp(point.data())) {
-        why_ = std::string("cannot make a mount point: ") + std::strerror(errno);
-        return;
-    }
-    if (mount("tmpfs", point.c_str(), "tmpfs", 0, options.c_str()) != 0) {
+    if (!mkdtemp(point.data()) || mount("tmpfs", point.c_str(), "tmpfs", 0, options.c_str()) != 0) {
         why_ = std::string("cannot mount a tmpfs: ") + std::strerror(errno);
         rmdir(point.c_str());
         return;
@@ -60,14 +43,9 @@ bool ScratchMount::makeReadOnly() {
 }
 
 ScratchMount::~ScratchMount() {
-    if (path_.empty()) return;
+    if (mounted_) umount2(path_.c_str(), MNT_DETACH);
     std::error_code ec;
-    if (mounted_) {
-        umount2(path_.c_str(), MNT_DETACH);
-        rmdir(path_.c_str());
-    } else {
-        fs::remove_all(path_, ec);
-    }
+    if (!path_.empty()) fs::remove_all(path_, ec);
 }
 
 } // namespace lumivale::test

@@ -11,17 +11,16 @@ namespace fs = std::filesystem;
 namespace lumivale::test {
 
 TempDir::TempDir() {
-    const char* root = std::getenv("LUMIVALE_TEST_ROOT");
-    std::string pattern = (root ? std::string(root) : fs::temp_directory_path().string()) + "/t-XXXXXX";
-    if (!mkdtemp(pattern.data()))
-        throw std::runtime_error("cannot make a temporary folder");
+    std::string pattern = testRoot() + "/t-XXXXXX";
+    if (!mkdtemp(pattern.data())) throw std::runtime_error("cannot make a temporary folder");
     path_ = pattern;
 }
 
 TempDir::~TempDir() {
     std::error_code ec;
     // Give back permissions a test may have taken away, so removal succeeds.
-    for (auto it = fs::recursive_directory_iterator(path_, fs::directory_options::skip_permission_denied, ec);
+    for (auto it = fs::recursive_directory_iterator(
+             path_, fs::directory_options::skip_permission_denied, ec);
          !ec && it != fs::recursive_directory_iterator(); it.increment(ec))
         if (it->is_directory(ec) && !it->is_symlink(ec))
             fs::permissions(it->path(), fs::perms::owner_all, fs::perm_options::add, ec);
@@ -48,6 +47,13 @@ std::set<std::string> namesIn(const std::string& folder) {
     return names;
 }
 
-bool runningAsRoot() { return geteuid() == 0; }
+std::string testRoot() {
+    const char* root = std::getenv("LUMIVALE_TEST_ROOT");
+    return root ? root : fs::temp_directory_path().string();
+}
+
+bool runningAsRoot() {
+    return geteuid() == 0;
+}
 
 } // namespace lumivale::test

@@ -9,18 +9,17 @@ namespace lumivale::test {
 // A fresh folder under the test's private temporary root, removed with everything in it
 // when the object goes.
 class TempDir {
-public:
+  public:
     TempDir();
     ~TempDir();
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
 
-    const std::filesystem::path& path() const { return path_; }
     std::string str() const { return path_.string(); }
     // path() / name, as a string.
     std::string file(const std::string& name) const { return (path_ / name).string(); }
 
-private:
+  private:
     std::filesystem::path path_;
 };
 
@@ -30,6 +29,8 @@ std::string writeFile(const std::string& path, const std::string& bytes);
 std::string readFile(const std::string& path);
 // The names of a folder's entries; none when it cannot be listed.
 std::set<std::string> namesIn(const std::string& folder);
+// The test program's private temporary root, or the system's temporary folder outside one.
+std::string testRoot();
 // Whether the tests run as root, for whom permissions do not hold.
 bool runningAsRoot();
 

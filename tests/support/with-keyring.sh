@@ -10,37 +10,16 @@ shift
 
 home="$(mktemp -d "${TMPDIR:-/tmp}/lumivale-keyring-XXXXXX")"
 mkdir -p -m 700 "$home/run"
-daemon=""
-# Alive and not merely waiting to be reaped.
-running() { grep -qs '^State:[[:space:]]*[^Z]' "/proc/$1/status"; }
-finish() {
-    if [ -n "$daemon" ] && kill "$daemon" 2>/dev/null; then
-        for _ in $(seq 100); do running "$daemon" || break; sleep 0.05; done
-    fi
-    rm -rf "$home"
-}
-trap finish EXIT
-
 # The daemon alone gets the private home for its keyring files; --unlock makes the login keyring,
 # the default one, with the password read from standard input.
 printf 'lumivale-test' | HOME="$home" XDG_DATA_HOME="$home/data" XDG_CONFIG_HOME="$home/config" \
     XDG_CACHE_HOME="$home/cache" XDG_RUNTIME_DIR="$home/run" \
-    gnome-keyring-daemon --daemonize --unlock --components=secrets >/dev/null
+    gnome-keyring-daemon --foreground --unlock --components=secrets >/dev/null &
+daemon=$!
+trap 'kill "$daemon" 2>/dev/null; wait "$daemon" 2>/dev/null || true; rm -rf "$home"' EXIT
 
 # Wait for the service's name without asking for it, which could start a second daemon.
-owner() {
-    dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
-        org.freedesktop.DBus.GetConnectionUnixProcessID string:org.freedesktop.secrets 2>/dev/null |
-        awk '/uint32/ { print $2 }' || true
-}
-for _ in $(seq 100); do
-    daemon="$(owner)"
-    [ -n "$daemon" ] && break
-    sleep 0.05
-done
-if [ -z "$daemon" ]; then
-    echo "with-keyring: the Secret Service did not start" >&2
-    exit 1
-fi
+gdbus wait --session --timeout 10 org.freedesktop.secrets ||
+    { echo "with-keyring: the Secret Service did not start" >&2; exit 1; }
 
 LUMIVALE_TEST_KEYRING=1 "$@"

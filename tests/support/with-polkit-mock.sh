@@ -14,18 +14,7 @@ export DBUS_SYSTEM_BUS_ADDRESS="$DBUS_SESSION_BUS_ADDRESS"
 mock=$!
 trap 'kill "$mock" 2>/dev/null; wait "$mock" 2>/dev/null || true' EXIT
 
-owned() {
-    dbus-send --system --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
-        org.freedesktop.DBus.NameHasOwner string:org.freedesktop.PolicyKit1 2>/dev/null |
-        grep -q 'boolean true'
-}
-for _ in $(seq 200); do
-    owned && break
-    sleep 0.05
-done
-if ! owned; then
-    echo "with-polkit-mock: the mock authority did not start" >&2
-    exit 1
-fi
+gdbus wait --system --timeout 10 org.freedesktop.PolicyKit1 ||
+    { echo "with-polkit-mock: the mock authority did not start" >&2; exit 1; }
 
 "$@"
