@@ -39,7 +39,6 @@ TEST(AppModelTidy, filedRecordsFollowTheirFilesAndWhatWentMissingIsCounted) {
         SCOPED_TRACE(c.banner);
         World world;
         AppModel& model = world.open({"receipt.png", "chat.png"});
-        const Shot chat = *model.library().find(world.shot("chat.png"));
         const TidyPlan plan = fileIntoFolders(model, TidyChoices{});
         for (const std::string& name : c.deleted)
             fs::remove(world.shot(name));
@@ -54,9 +53,8 @@ TEST(AppModelTidy, filedRecordsFollowTheirFilesAndWhatWentMissingIsCounted) {
             EXPECT_TRUE(fs::exists(move.to));
             EXPECT_EQ(model.library().find(move.from), nullptr);
             ASSERT_NE(model.library().find(move.to), nullptr);
-            if (move.from != chat.path) continue;
-            EXPECT_EQ(model.library().find(move.to)->lines, chat.lines);
-            EXPECT_EQ(model.library().find(move.to)->readAt, chat.readAt);
+            EXPECT_EQ(model.library().find(move.to)->text(), fs::path(move.to).filename())
+                << "its reading came along";
         }
         const bool moved = !moving.empty();
         EXPECT_EQ(model.journals().entries,
