@@ -5,7 +5,8 @@
 
 #include "app/AppModel.h"
 #include "app/Scheduler.h"
-#include "core/Reading.h"
+#include "platform/Trash.h"
+#include "reading/Reader.h"
 #include "support/TempDir.h"
 
 #include <QGuiApplication>
@@ -15,6 +16,7 @@
 #include <atomic>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <map>
 #include <set>
 #include <sys/stat.h>
 #include <tuple>
@@ -30,37 +32,29 @@ inline void ensureQtApp() {
 // A scheduler whose clock only moves when the test says so.
 struct FakeScheduler : Scheduler {
     struct Entry : Timer {
-        std::chrono::milliseconds due;
+        Entry(std::function<void()> run, QObject* context)
+            : run(std::move(run)), context(context) {}
+        void cancel() override { cancelled = true; }
         std::function<void()> run;
         QPointer<QObject> context;
         bool cancelled = false;
-        void cancel() override { cancelled = true; }
     };
     std::chrono::milliseconds now{0};
-    int created = 0; // how many calls were ever asked for
-    std::vector<std::shared_ptr<Entry>> entries;
+    std::multimap<std::chrono::milliseconds, std::shared_ptr<Entry>> entries; // by when due
 
     std::shared_ptr<Timer> after(std::chrono::milliseconds delay, QObject* context,
                                  std::function<void()> run) override {
-        auto entry = std::make_shared<Entry>();
-        entry->due = now + delay;
-        entry->run = std::move(run);
-        entry->context = context;
-        ++created;
-        return entries.emplace_back(entry);
+        return entries.emplace(now + delay, std::make_shared<Entry>(std::move(run), context))
+            ->second;
     }
 
     // Moves time on, running every call that falls due, in order.
     void advance(std::chrono::milliseconds by) {
         const auto until = now + by;
-        for (;;) {
-            auto next =
-                std::min_element(entries.begin(), entries.end(),
-                                 [](const auto& a, const auto& b) { return a->due < b->due; });
-            if (next == entries.end() || (*next)->due > until) break;
-            const auto entry = *next;
-            entries.erase(next);
-            now = entry->due;
+        while (!entries.empty() && entries.begin()->first <= until) {
+            const auto [due, entry] = *entries.begin();
+            entries.erase(entries.begin());
+            now = due;
             if (!entry->cancelled && entry->context) entry->run();
         }
         now = until;
@@ -69,78 +63,47 @@ struct FakeScheduler : Scheduler {
     // The delays of the calls still waiting, from now.
     std::vector<std::chrono::milliseconds> pending() const {
         std::vector<std::chrono::milliseconds> out;
-        for (const auto& e : entries)
-            if (!e->cancelled) out.push_back(e->due - now);
+        for (const auto& [due, entry] : entries)
+            if (!entry->cancelled) out.push_back(due - now);
         return out;
     }
 };
 
 // Draws dark lines of text on a light picture, big enough to read, and saves it.
-inline void drawPicture(const std::string& path, const std::vector<std::string>& lines,
-                        int width = 900) {
-    QImage image(width, 80 + 70 * static_cast<int>(lines.size()), QImage::Format_RGB32);
+inline void drawPicture(const std::string& path, const std::vector<std::string>& lines) {
+    QImage image(800, 80 + 70 * static_cast<int>(lines.size()), QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
     QFont font("Liberation Sans");
     font.setPixelSize(36);
     painter.setFont(font);
-    painter.setPen(Qt::black);
-    int y = 70;
-    for (const std::string& line : lines) {
-        painter.drawText(40, y, QString::fromStdString(line));
-        y += 70;
-    }
+    for (size_t i = 0; i < lines.size(); ++i)
+        painter.drawText(40, 70 + 70 * static_cast<int>(i), QString::fromStdString(lines[i]));
     painter.end();
     image.save(QString::fromStdString(path));
 }
 
-// The record of a picture on disk as a scan would have stored it after reading it: same size
-// and dates, so a later scan leaves it alone.
-inline Shot readShotOf(const std::string& path, Shelf guess, std::vector<std::string> words,
-                       Date readAt) {
+// The record of a picture on disk as a scan would have stored it after reading its name on it:
+// same size and dates, so a later scan leaves it alone.
+inline Shot readShotOf(const std::string& path, Shelf guess, Date readAt) {
     struct stat st {};
     ::stat(path.c_str(), &st);
     const Date modified(std::chrono::seconds(st.st_mtim.tv_sec) +
                         std::chrono::nanoseconds(st.st_mtim.tv_nsec));
     Shot shot(path, static_cast<int64_t>(st.st_size), modified, modified);
-    std::vector<TextLine> lines;
-    for (std::string& text : words)
-        lines.push_back({std::move(text), 0.1f, 0.5f, 0.5f, 0.05f});
-    shot.setLines(std::move(lines));
+    shot.setLines({{std::string(shot.name()), 0.1f, 0.5f, 0.5f, 0.05f}});
     shot.guess = guess;
-    shot.guessScore = 3;
     shot.readAt = readAt;
     shot.reader = readerVersion;
     return shot;
 }
 
-// A Trash of the test's own: files are moved into `folder` (numbered when the name is taken)
-// and the new place is reported; paths in `refused` are turned away with `reason`.
-struct FolderTrash {
-    const std::string folder;
-    std::set<std::string> refused;
-
-    // How many files the folder holds.
-    size_t size() const {
-        std::error_code ec;
-        return size_t(std::distance(std::filesystem::directory_iterator(folder, ec), {}));
-    }
-
-    Trasher trasher() {
-        return [this](const std::string& path) {
-            if (refused.count(path)) return TrashOutcome::failure("The Trash is not available");
-            namespace fs = std::filesystem;
-            fs::create_directories(folder);
-            const std::string name = fs::path(path).filename().string();
-            std::string target = folder + "/" + name;
-            for (int n = 2; fs::exists(target); ++n)
-                target = folder + "/" + std::to_string(n) + " " + name;
-            std::error_code ec;
-            fs::rename(path, target, ec);
-            return ec ? TrashOutcome::failure(ec.message()) : TrashOutcome::landedAt(target);
-        };
-    }
-};
+// What the model's banner says, marked " [error]" and " [undo]" when it is so; "" when none shows.
+inline std::string bannerOf(const AppModel& model) {
+    if (!model.banner()) return "";
+    return model.banner()->text + (model.banner()->isError ? " [error]" : "") +
+           (model.banner()->undo ? " [undo]" : "");
+}
 
 // A keyring that refuses with this code.
 struct RefusingKey : VaultKeySource {
@@ -152,14 +115,15 @@ struct RefusingKey : VaultKeySource {
 // A question the model put to the user: message, detail, button.
 using Question = std::tuple<std::string, std::string, std::string>;
 
-// A model over a temporary tree whose questions, owner check, key, Trash, clock, timers and
-// reader the test holds. Folder watching is off unless a test turns it on.
+// A model over a temporary tree whose questions, owner check, key, Trash (the real one, in the
+// tree), clock, timers and reader the test holds. Folder watching is off unless a test turns it on.
 class World {
   public:
     World() {
         ensureQtApp();
         std::filesystem::create_directories(shots());
         settings.setValue("watchFolders", false);
+        ::setenv("XDG_DATA_HOME", tmp.file("share").c_str(), 1); // a Trash of its own
     }
 
     // The model's source at this path, if it has one.
@@ -172,6 +136,7 @@ class World {
     std::string shot(const std::string& name) const { return shots() + "/" + name; }
     std::string archive() const { return tmp.file("Archive"); }
     std::string vaultDir() const { return tmp.file("data/Locked"); }
+    std::string trashFolder() const { return tmp.file("share/Trash/files"); }
 
     // A model, not yet loaded.
     AppModel& make() {
@@ -187,20 +152,23 @@ class World {
             return owner;
         };
         s.keySource = keys;
-        s.trasher = trash.trasher();
+        s.trasher = [this](const std::string& path) {
+            return refused.count(path) ? TrashOutcome::failure("The Trash is not available")
+                                       : Trash::systemTrash(path);
+        };
         s.read = read;
         model = std::make_unique<AppModel>(Paths::at(tmp.file("data"), shots(), archive()),
                                            settings, s);
         return *model;
     }
 
-    // A loaded model whose library holds read records of these pictures, drawn into the
-    // screenshot folder as name → words.
-    AppModel& open(const std::vector<std::pair<std::string, Shelf>>& pictures) {
+    // A loaded model whose library holds read records, guessed onto `shelf`, of pictures of
+    // these names drawn into the screenshot folder with their names on them.
+    AppModel& open(const std::vector<std::string>& names, Shelf shelf = Shelf::bills) {
         Library library;
-        for (const auto& [name, shelf] : pictures) {
-            drawPicture(shot(name), {name, "words of " + name}, 400);
-            library.put(readShotOf(shot(name), shelf, {name}, clock - std::chrono::hours(24)));
+        for (const std::string& name : names) {
+            drawPicture(shot(name), {name});
+            library.put(readShotOf(shot(name), shelf, clock - std::chrono::hours(24)));
         }
         EXPECT_TRUE(library.save(tmp.file("data/library.plist")));
         return loaded();
@@ -222,12 +190,13 @@ class World {
     bool owner = true;
     VaultKey key = VaultKey::random();
     std::shared_ptr<VaultKeySource> keys = std::make_shared<MemoryKey>(key);
-    FolderTrash trash{tmp.file("Trash")};
+    std::set<std::string> refused; // paths the Trash turns away
     std::atomic<int> reads{0};
-    // Counts what is read and finds no words; empty for the real reader.
-    AppModel::ReadFn read = [this](const std::string&, const std::vector<std::string>&) {
+    bool realReader = false;
+    // Counts what is read; only the real reader finds words.
+    AppModel::ReadFn read = [this](const std::string& path, const std::vector<std::string>& langs) {
         ++reads;
-        return Reading{};
+        return realReader ? Reader::read(path, langs) : Reading{};
     };
     std::unique_ptr<AppModel> model;
 };

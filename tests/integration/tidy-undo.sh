@@ -17,18 +17,15 @@ archive="$home/Pictures/Lumivale Archive"
 grep -q "^Moved 14 screenshots" "$home/tidy.txt" || { cat "$home/tidy.txt"; exit 1; }
 "$py" - "$home/fixtures.tsv" "$shots" "$archive" <<'PY'
 import os, sys
-fixtures = [l.rstrip("\n").split("\t") for l in open(sys.argv[1]) if l.strip()]
+fixtures = [l.rstrip("\n").split("\t") for l in open(sys.argv[1])]
 shots, archive = sys.argv[2], sys.argv[3]
 folders = {"ids": "IDs and documents", "bills": "Bills and receipts", "tickets": "Tickets and bookings",
            "chats": "Chats", "code": "Code", "shopping": "Shopping", "maps": "Maps and places", "other": "Other"}
-loose = sorted(os.listdir(shots))
 private = sorted(os.path.basename(p) for k, s, sens, p in fixtures if sens == "true")
-assert loose == private, (loose, private)
+assert sorted(os.listdir(shots)) == private, os.listdir(shots)
 for kind, shelf, sensitive, path in fixtures:
-    if sensitive == "true":
-        continue
     filed = os.path.join(archive, folders[shelf], os.path.basename(path))
-    assert os.path.exists(filed), (kind, filed)
+    assert sensitive == "true" or os.path.exists(filed), (kind, filed)
 PY
 # Every reading travelled with its file: a scan reads nothing again.
 "$lumivale" scan --json | "$py" -c 'import json,sys; r=json.load(sys.stdin); assert r["read"] == 0 and r["total"] == 16, r'
@@ -46,9 +43,8 @@ grep -q "nothing to undo" "$home/undo2.err"
 "$lumivale" clear --days 30 --dry-run --json > "$home/clear.json"
 "$py" - "$home/clear.json" "$home/fixtures.tsv" <<'PY'
 import json, sys
-got = {json.loads(l)["path"] for l in open(sys.argv[1]) if l.strip()}
-fixtures = [l.rstrip("\n").split("\t") for l in open(sys.argv[2]) if l.strip()]
-want = {p for k, s, sens, p in fixtures if k in ("hardwareReceipt", "sunset")}
+got = {json.loads(l)["path"] for l in open(sys.argv[1])}
+want = {l.split("\t")[3].rstrip("\n") for l in open(sys.argv[2]) if l.split("\t")[0] in ("hardwareReceipt", "sunset")}
 assert got == want, (got, want)
 PY
 if "$lumivale" clear --days 30 < /dev/null > /dev/null 2>&1; then echo "clearing must not go ahead unconfirmed"; exit 1; fi
