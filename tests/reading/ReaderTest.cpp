@@ -9,7 +9,9 @@
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <set>
+#include <sstream>
 #include <thread>
 
 namespace lumivale {
@@ -22,17 +24,13 @@ using test::white;
 
 const std::vector<std::string> english{"en-US"};
 
-std::set<std::string> wordsOf(const std::string& text) {
-    std::set<std::string> words;
-    std::string word;
-    for (unsigned char c : foldText(text) + " ") {
-        if (std::isalnum(c) || c >= 0x80) {
-            word += char(c);
-        } else if (!word.empty()) {
-            words.insert(std::exchange(word, ""));
-        }
-    }
-    return words;
+std::set<std::string> wordsOf(std::string text) {
+    text = foldText(text);
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < 0x80 && !std::isalnum(c); },
+        ' ');
+    std::istringstream words(text);
+    return {std::istream_iterator<std::string>(words), {}};
 }
 
 // The words of `expected` that the reading does not hold, joined with spaces.
