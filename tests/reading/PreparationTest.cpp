@@ -33,20 +33,6 @@ uint8_t darkest(const GrayImage& image, int x0, int y0, int x1, int y1) {
     return least;
 }
 
-TEST(PreparationTest, LetterHeightFollowsTheFontSize) {
-    // Lowercase letters stand about half the font size; the median mark is one of them.
-    for (int size : {10, 13, 20, 40, 90}) {
-        SCOPED_TRACE(size);
-        Canvas canvas(size * 30, size * 6, white);
-        for (int line = 0; line < 3; ++line)
-            canvas.text(black, size, size + line * size * 3 / 2,
-                        "Liberation Sans " + std::to_string(size), sentence);
-        const double height = Preparation::letterHeight(canvas.grey());
-        EXPECT_GE(height, 0.4 * size);
-        EXPECT_LE(height, 0.8 * size);
-    }
-}
-
 // Grey noise like a photograph's texture: light on average, specks everywhere.
 GrayImage noise(int width, int height) {
     std::mt19937 random(7);
@@ -135,7 +121,9 @@ TEST(PreparationTest, WhiteningMakesTintedGroundsWhiteAndKeepsTheText) {
             ASSERT_EQ(image.at(x, y), before.at(x, y)) << "button at " << x << "," << y;
 }
 
-TEST(PreparationTest, PrepareGivesDarkTextOnLightGroundAtAGoodSize) {
+// Lowercase letters stand about half the font size: the measured letters follow the font's size,
+// scaled with the picture.
+TEST(PreparationTest, PrepareGivesDarkTextOnLightGroundWithLettersOfAGoodSize) {
     const struct {
         const char* name;
         test::Colour ground, ink;
@@ -145,6 +133,8 @@ TEST(PreparationTest, PrepareGivesDarkTextOnLightGroundAtAGoodSize) {
         {"light, small", white, black, 11, 1},
         {"dark, small", {30, 30, 30}, {220, 220, 220}, 11, 1},
         {"dark, good size", {0, 0, 0}, white, 24, 0},
+        {"light, large", white, black, 40, 0},
+        {"light, very large", white, black, 90, -1},
         {"light, huge", white, black, 160, -1},
     };
     for (const auto& c : cases) {
@@ -160,6 +150,7 @@ TEST(PreparationTest, PrepareGivesDarkTextOnLightGroundAtAGoodSize) {
         const double letters = Preparation::letterHeight(prepared);
         EXPECT_GE(letters, 9);
         EXPECT_LE(letters, 30);
+        EXPECT_NEAR(letters * grey.width / prepared.width / c.font, 0.6, 0.2);
     }
     const GrayImage texture = noise(900, 600);
     EXPECT_EQ(Preparation::prepare(texture).pixels, texture.pixels) << "a photograph is left alone";
