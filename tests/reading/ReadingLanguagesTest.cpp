@@ -77,47 +77,42 @@ std::string modelFolder(const test::TempDir& dir, const std::vector<std::string>
     return dir.file("tessdata");
 }
 
-TEST(ReadingLanguagesTest, SupportedListsTheInstalledModelsWithKnownTags) {
+TEST(ReadingLanguagesTest, SupportedAndModelsFollowTheInstalledModels) {
     const struct {
         const char* name;
         std::vector<std::string> files;
-        Tags expected;
+        Tags supported, tags;
+        std::string models;
     } cases[] = {
-        {"known models in the table's order, helpers and strangers skipped",
+        // Known models in the table's order, helpers and strangers skipped; the models of the
+        // tags in the given order, each once, a region finding its language.
+        {"several",
          {"chi_sim.traineddata", "deu.traineddata", "eng.traineddata", "osd.traineddata",
           "equ.traineddata", "xyz.traineddata", "fra.txt", "kor.traineddata"},
-         {"en-US", "de-DE", "zh-Hans", "ko-KR"}},
-        {"no English", {"ukr.traineddata"}, {"uk-UA"}},
-        {"no model: English", {"osd.traineddata", "readme"}, {"en-US"}},
+         {"en-US", "de-DE", "zh-Hans", "ko-KR"},
+         {"de-AT", "en-US", "en-GB", "de-DE"},
+         "deu+eng"},
+        {"not installed: left out",
+         {"eng.traineddata", "chi_tra.traineddata"},
+         {"en-US", "zh-Hant"},
+         {"fr-FR", "zh-Hant"},
+         "chi_tra"},
+        {"no English; none installed or known",
+         {"ukr.traineddata"},
+         {"uk-UA"},
+         {"fr", "tlh", ""},
+         "eng"},
+        {"no model: English", {"osd.traineddata", "readme"}, {"en-US"}, {}, "eng"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         test::TempDir dir;
         setEnv("TESSDATA_PREFIX", modelFolder(dir, c.files));
-        EXPECT_EQ(ReadingLanguages::supported(), c.expected);
+        EXPECT_EQ(ReadingLanguages::supported(), c.supported);
+        EXPECT_EQ(ReadingLanguages::models(c.tags), c.models);
     }
     setEnv("TESSDATA_PREFIX", "/nonexistent/tessdata");
     EXPECT_EQ(ReadingLanguages::supported(), Tags{"en-US"});
-}
-
-TEST(ReadingLanguagesTest, ModelsJoinTheInstalledModelsOfTheTags) {
-    test::TempDir dir;
-    setEnv("TESSDATA_PREFIX",
-           modelFolder(dir, {"eng.traineddata", "deu.traineddata", "chi_tra.traineddata"}));
-    const struct {
-        const char* name;
-        Tags tags;
-        std::string expected;
-    } cases[] = {
-        {"in order, once, by language", {"de-AT", "en-US", "en-GB", "de-DE"}, "deu+eng"},
-        {"not installed: left out", {"fr-FR", "zh-Hant"}, "chi_tra"},
-        {"none installed or known: English", {"fr-FR", "tlh", ""}, "eng"},
-        {"no tags", {}, "eng"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(ReadingLanguages::models(c.tags), c.expected);
-    }
 }
 
 } // namespace
