@@ -21,16 +21,11 @@ TEST(ReadingLanguagesTest, DefaultsPutEnglishFirstThenPreferredMatchesAndEastAsi
         const char* name;
         Tags preferred, supported, expected;
     } cases[] = {
-        {"regions find their language",
-         {"de-DE", "fr_CH"},
-         {"en-US", "fr-FR", "de-DE"},
-         {"en-US", "de-DE", "fr-FR"}},
+        {"regions", {"de-DE", "fr_CH"}, {"en-US", "fr-FR", "de-DE"}, {"en-US", "de-DE", "fr-FR"}},
         {"no prefix match, no English: first", {"e"}, {"fr-FR", "es-ES"}, {"fr-FR"}},
         {"nothing supported", {"de-DE"}, {}, {}},
-        {"the language's first tag, even over the exact one",
-         {"pt-PT"},
-         {"en-US", "pt-BR", "pt-PT"},
-         {"en-US", "pt-BR"}},
+        // The language's first tag, even over the exact one.
+        {"first of the language", {"pt-PT"}, {"en-US", "pt-BR", "pt-PT"}, {"en-US", "pt-BR"}},
         {"bare languages", {"sv", "da-DK"}, {"en-US", "sv-SE", "da"}, {"en-US", "sv-SE", "da"}},
         {"once each", {"de-AT", "xx-YY", "de-CH", "en-US"}, {"en-US", "de-DE"}, {"en-US", "de-DE"}},
         {"Chinese, Japanese and Korean keep their order after the rest",
@@ -69,10 +64,12 @@ TEST(ReadingLanguagesTest, PreferredComesFromLanguageElseTheLocale) {
     }
 }
 
-// A model folder holding empty files of these names.
+// A model folder holding empty files of these names, ".traineddata" added to names without a dot.
 std::string modelFolder(const test::TempDir& dir, const std::vector<std::string>& files) {
     for (const auto& file : files)
-        test::writeFile(dir.file("tessdata/" + file), "");
+        test::writeFile(dir.file("tessdata/" + file +
+                                 (file.find('.') == std::string::npos ? ".traineddata" : "")),
+                        "");
     std::filesystem::create_directories(dir.file("tessdata"));
     return dir.file("tessdata");
 }
@@ -87,22 +84,17 @@ TEST(ReadingLanguagesTest, SupportedAndModelsFollowTheInstalledModels) {
         // Known models in the table's order, helpers and strangers skipped; the models of the
         // tags in the given order, each once, a region finding its language.
         {"several",
-         {"chi_sim.traineddata", "deu.traineddata", "eng.traineddata", "osd.traineddata",
-          "equ.traineddata", "xyz.traineddata", "fra.txt", "kor.traineddata"},
+         {"chi_sim", "deu", "eng", "osd", "equ", "xyz", "fra.txt", "kor"},
          {"en-US", "de-DE", "zh-Hans", "ko-KR"},
          {"de-AT", "en-US", "en-GB", "de-DE"},
          "deu+eng"},
-        {"not installed: left out",
-         {"eng.traineddata", "chi_tra.traineddata"},
+        {"not installed",
+         {"eng", "chi_tra"},
          {"en-US", "zh-Hant"},
          {"fr-FR", "zh-Hant"},
          "chi_tra"},
-        {"no English; none installed or known",
-         {"ukr.traineddata"},
-         {"uk-UA"},
-         {"fr", "tlh", ""},
-         "eng"},
-        {"no model: English", {"osd.traineddata", "readme"}, {"en-US"}, {}, "eng"},
+        {"no English; none installed or known", {"ukr"}, {"uk-UA"}, {"fr", "tlh", ""}, "eng"},
+        {"no model: English", {"osd", "readme.txt"}, {"en-US"}, {}, "eng"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
