@@ -88,11 +88,7 @@ TEST(ReadingLanguagesTest, SupportedAndModelsFollowTheInstalledModels) {
          {"en-US", "de-DE", "zh-Hans", "ko-KR"},
          {"de-AT", "en-US", "en-GB", "de-DE"},
          "deu+eng"},
-        {"not installed",
-         {"eng", "chi_tra"},
-         {"en-US", "zh-Hant"},
-         {"fr-FR", "zh-Hant"},
-         "chi_tra"},
+        {"not installed", {"eng", "chi_tra"}, {"en-US", "zh-Hant"}, {"fr", "zh-Hant"}, "chi_tra"},
         {"no English; none installed or known", {"ukr"}, {"uk-UA"}, {"fr", "tlh", ""}, "eng"},
         {"no model: English", {"osd", "readme.txt"}, {"en-US"}, {}, "eng"},
     };
