@@ -130,6 +130,7 @@ Picture broken(const std::string& name, Make make, int64_t width = 0, int64_t he
 }
 
 const Colour dark{30, 30, 30}, light{236, 236, 236}, blue{11, 132, 255};
+const Colour clear{0, 0, 0, 0}, opaque{0, 0, 0, 255}; // black, with opacity
 const std::string small = "Liberation Sans 12", large = "Liberation Sans Bold 110";
 using ZXing::BarcodeFormat;
 
@@ -142,13 +143,9 @@ const Picture pictures[] = {
     {"receipt.bmp", saveReceipt},
     {"receipt.heic", saveReceipt},
     // Black ink whose opacity is the text, as a window capture's cut-out.
-    {"ink.png",
-     [](const auto& path) {
-         return receipt({0, 0, 0, 0}, {0, 0, 0, 255}).save(path);
-     }},
-    {"grey16.png",
-     [](const auto& path) { return receipt().save(path, VIPS_INTERPRETATION_GREY16); }},
-    {"cmyk.jpg", [](const auto& path) { return receipt().save(path, VIPS_INTERPRETATION_CMYK); }},
+    {"ink.png", [](const auto& p) { return receipt(clear, opaque).save(p); }},
+    {"grey16.png", [](const auto& p) { return receipt().save(p, VIPS_INTERPRETATION_GREY16); }},
+    {"cmyk.jpg", [](const auto& p) { return receipt().save(p, VIPS_INTERPRETATION_CMYK); }},
     // Saved under a plain name and renamed: libvips would take "[…]" in a name as load options.
     {"shöt ✓.png[page=1]",
      [](const std::string& path) {
@@ -156,8 +153,7 @@ const Picture pictures[] = {
          return receipt().save(plain) && std::rename(plain.c_str(), path.c_str()) == 0;
      }},
     // Stored a quarter turn anticlockwise with EXIF orientation 6: read upright, size as stored.
-    {"sideways.jpg", [](const auto& path) { return receipt().storeSideways().save(path); }, 300,
-     900},
+    {"sideways.jpg", [](const auto& p) { return receipt().storeSideways().save(p); }, 300, 900},
     screen("light small", white, light, {28, 28, 30}, small, 1000, 300),
     screen("dark small", dark, {43, 43, 43}, {224, 224, 224}, small, 1000, 300),
     screen("terminal", {29, 31, 33}, {29, 31, 33}, {152, 195, 121}, "DejaVu Sans Mono 13", 1000,
