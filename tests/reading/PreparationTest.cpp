@@ -3,7 +3,6 @@
 #include "Drawing.h"
 
 #include <algorithm>
-#include <functional>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -43,30 +42,27 @@ GrayImage noise(int width, int height) {
     return image;
 }
 
-GrayImage drawn(const std::function<void(Canvas&)>& draw, int width = 600, int height = 300) {
-    Canvas canvas(width, height, white);
-    draw(canvas);
+// A white picture, 900 × 600, with one line of text on it.
+GrayImage written(const std::string& text, test::Colour ink = black, int size = 20) {
+    Canvas canvas(900, 600, white);
+    canvas.text(ink, 20, 20, "Liberation Sans " + std::to_string(size), text);
     return canvas.grey();
 }
 
 TEST(PreparationTest, LetterHeightIsUnknownWithoutEnoughLetters) {
-    GrayImage photoWithWords =
-        drawn([](Canvas& c) { c.text(black, 20, 20, "Liberation Sans 12", sentence); }, 900, 600);
     const GrayImage texture = noise(900, 600);
+    GrayImage photoWithWords = written(sentence, black, 12);
     for (size_t i = 0; i < texture.pixels.size(); ++i)
         photoWithWords.pixels[i] = std::min(photoWithWords.pixels[i], texture.pixels[i]);
     const std::pair<const char*, GrayImage> cases[] = {
-        {"blank", drawn([](Canvas&) {})},
-        {"rules and frames only", drawn([](Canvas& c) {
-             c.rect(black, 10, 10, 500, 2)
-                 .rect(black, 10, 50, 2, 200)
-                 .rect(black, 100, 100, 300, 150);
-         })},
-        {"three letters",
-         drawn([](Canvas& c) { c.text(black, 20, 20, "Liberation Sans 20", "abc"); })},
-        {"light text on white", drawn([](Canvas& c) {
-             c.text({200, 200, 200}, 20, 20, "Liberation Sans 20", sentence);
-         })},
+        {"blank", Canvas(600, 300, white).grey()},
+        {"rules and frames only", Canvas(600, 300, white)
+                                      .rect(black, 10, 10, 500, 2)
+                                      .rect(black, 10, 50, 2, 200)
+                                      .rect(black, 100, 100, 300, 150)
+                                      .grey()},
+        {"three letters", written("abc")},
+        {"light text on white", written(sentence, {200, 200, 200})},
         {"no picture", GrayImage{}},
         {"a photograph", texture},
         {"a photograph with a few words: still mostly specks", photoWithWords},
