@@ -31,10 +31,12 @@ std::set<int> failedChecks(const std::string& report) {
     return failed;
 }
 
+using Services = AppModel::Services;
+
 // Alters what the services' reader (one a breakage set before, else the real one) reports.
-std::function<void(AppModel::Services&)>
+std::function<void(Services&)>
 alterReading(std::function<void(const std::string& path, Reading&)> alter) {
-    return [alter](AppModel::Services& s) {
+    return [alter](Services& s) {
         s.read = [alter, read = s.read](const std::string& path,
                                         const std::vector<std::string>& languages) {
             Reading reading = read ? read(path, languages) : Reader::read(path, languages);
@@ -51,7 +53,7 @@ class ChangingKey : public VaultKeySource {
 };
 
 struct Breakage {
-    std::function<void(AppModel::Services&)> apply;
+    std::function<void(Services&)> apply;
     std::set<int> failing; // the checks, numbered from 1, that must report it
 };
 
@@ -76,12 +78,9 @@ const BrokenRun brokenRuns[] = {
           }),
           {2, 5, 18, 19, 36}},
          // The clock runs a year ahead.
-         {[](AppModel::Services& s) {
-              s.clock = [] { return lumivale::now() + std::chrono::hours(24 * 365); };
-          },
-          {8}},
+         {[](Services& s) { s.clock = [] { return now() + std::chrono::hours(24 * 365); }; }, {8}},
          // The Trash refuses the first file (the sunset).
-         {[](AppModel::Services& s) {
+         {[](Services& s) {
               s.trasher = [trash = s.trasher,
                            first = std::make_shared<bool>(true)](const std::string& path) {
                   if (std::exchange(*first, false))
@@ -91,8 +90,7 @@ const BrokenRun brokenRuns[] = {
           },
           {27, 28}},
          // The key store gives a different key after locking.
-         {[](AppModel::Services& s) { s.keySource = std::make_shared<ChangingKey>(); },
-          {35, 44, 45, 46, 47}},
+         {[](Services& s) { s.keySource = std::make_shared<ChangingKey>(); }, {35, 44, 45, 46, 47}},
          // An added folder's picture cannot be decoded.
          {alterReading([](const std::string& path, Reading& r) {
               if (path.ends_with("/IMG_0001.png")) r = Reading{.failed = true};
@@ -102,7 +100,7 @@ const BrokenRun brokenRuns[] = {
     {"lockedAreaAndBrokenFile",
      {
          // The keyring refuses the key: nothing is locked, so nothing can be opened or restored.
-         {[](AppModel::Services& s) { s.keySource = std::make_shared<test::RefusingKey>(-25300); },
+         {[](Services& s) { s.keySource = std::make_shared<test::RefusingKey>(-25300); },
           {30, 31, 32, 33, 35, 44, 45, 46, 47}},
          // The reader takes a file that is no picture for one.
          {alterReading([](const std::string& path, Reading& r) {
@@ -126,7 +124,7 @@ TEST_P(SelfTestBroken, reportsExactlyWhatIsBrokenAndGoesOnToTheEnd) {
     if (test::runningAsRoot()) expected.insert(unreadableFolderCheck);
 
     test::TempDir dir;
-    const SelfTest::Outcome outcome = SelfTest::run(dir.str(), [&](AppModel::Services& services) {
+    const SelfTest::Outcome outcome = SelfTest::run(dir.str(), [&](Services& services) {
         for (const Breakage& b : GetParam().breakages)
             b.apply(services);
     });
