@@ -4,7 +4,6 @@
 
 #include <QFontDatabase>
 #include <QFontInfo>
-#include <ZXing/ReadBarcode.h>
 #include <gtest/gtest.h>
 
 namespace lumivale {
@@ -39,39 +38,6 @@ TEST(CanvasTest, OnePointIsTwoPixelsWithYDownOnTheBackground) {
         EXPECT_EQ(image.pixel(outside), qRgb(0x11, 0x10, 0x18))
             << outside.x() << "," << outside.y();
     EXPECT_TRUE(Canvas(0, 0, 0xFFFFFF).render([](Canvas&) {}).isNull());
-}
-
-TEST(CanvasTest, DrawnBarcodesDecodeToTheirPayloadInsideTheirBox) {
-    test::ensureQtApp();
-    const struct {
-        BarcodeKind kind;
-        QString payload;
-        ZXing::BarcodeFormat format;
-        QRectF box;
-    } cases[] = {
-        {BarcodeKind::aztec,
-         "M1DORAN/NELA EK7Q2MX BLRDEL 6E 2134 290Y022A0014 100",
-         ZXing::BarcodeFormat::Aztec,
-         {20, 20, 150, 150}},
-        {BarcodeKind::qr,
-         "MX93K2-F7F8-2510-1930",
-         ZXing::BarcodeFormat::QRCode,
-         {40, 40, 120, 100}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.payload.toStdString());
-        const QImage image = Canvas(200, 200, 0xDDE3EA)
-                                 .render([&](Canvas& cv) { cv.barcode(c.kind, c.payload, c.box); })
-                                 .convertToFormat(QImage::Format_Grayscale8);
-        const ZXing::Result result =
-            ZXing::ReadBarcode({image.constBits(), image.width(), image.height(),
-                                ZXing::ImageFormat::Lum, int(image.bytesPerLine())});
-        ASSERT_TRUE(result.isValid());
-        EXPECT_EQ(result.format(), c.format);
-        EXPECT_EQ(QString::fromStdWString(result.text()), c.payload);
-        const QRect above(0, 0, image.width(), qFloor(2 * c.box.top()) - 1);
-        EXPECT_FALSE(holds(image.convertToFormat(QImage::Format_RGB32), above, 0x000000));
-    }
 }
 
 TEST(CanvasTest, CodeColoursKeywordsTypesStringsNumbersAndAttributes) {
