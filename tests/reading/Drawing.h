@@ -24,14 +24,12 @@ class Canvas {
     Canvas(int width, int height, const Colour& ground) {
         static const bool started = VIPS_INIT("lumivale-test") == 0;
         if (!started) throw std::runtime_error("libvips does not start");
-        VipsImage *blank = nullptr, *tinted = nullptr;
-        const std::vector<double> one(ground.size(), 1);
+        VipsImage* blank = nullptr;
         vips_black(&blank, width, height, "bands", int(ground.size()), nullptr);
         VipsRef<VipsImage> owned(blank);
-        vips_linear(blank, &tinted, one.data(), ground.data(), int(ground.size()), "uchar", TRUE,
-                    nullptr);
-        VipsRef<VipsImage> bytes(tinted);
-        image_.reset(vips_image_copy_memory(tinted));
+        VipsRef<VipsImage> tinted(
+            vips_image_new_from_image(blank, ground.data(), int(ground.size())));
+        image_.reset(vips_image_copy_memory(tinted.get()));
     }
 
     Canvas& rect(Colour c, int x, int y, int w, int h) {
