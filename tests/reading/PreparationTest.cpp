@@ -64,7 +64,6 @@ TEST(PreparationTest, LetterHeightIsUnknownWithoutEnoughLetters) {
         {"three letters", written("abc")},
         {"light text on white", written(sentence, {200, 200, 200})},
         {"no picture", GrayImage{}},
-        {"a photograph", texture},
         {"a photograph with a few words: still mostly specks", photoWithWords},
     };
     for (const auto& [name, image] : cases)
