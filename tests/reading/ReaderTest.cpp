@@ -9,7 +9,9 @@
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <set>
+#include <sstream>
 #include <thread>
 
 namespace lumivale {
@@ -22,28 +24,24 @@ using test::white;
 
 const std::vector<std::string> english{"en-US"};
 
-std::set<std::string> wordsOf(const std::string& text) {
-    std::set<std::string> words;
-    std::string word;
-    for (unsigned char c : foldText(text) + " ") {
-        if (std::isalnum(c) || c >= 0x80) {
-            word += char(c);
-        } else if (!word.empty()) {
-            words.insert(std::exchange(word, ""));
-        }
-    }
-    return words;
+std::set<std::string> wordsOf(std::string text) {
+    text = foldText(text);
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < 0x80 && !std::isalnum(c); },
+        ' ');
+    std::istringstream words(text);
+    return {std::istream_iterator<std::string>(words), {}};
 }
 
 // The words of `expected` that the reading does not hold, joined with spaces.
 std::string missingWords(const Reading& reading, const std::vector<std::string>& expected) {
-    std::set<std::string> read;
+    std::string read, missing;
     for (const auto& line : reading.lines)
-        read.merge(wordsOf(line.text));
-    std::string missing;
+        read += line.text + "\n";
+    const std::set<std::string> words = wordsOf(read);
     for (const auto& line : expected)
         for (const auto& word : wordsOf(line))
-            if (!read.count(word)) missing += " " + word;
+            if (!words.count(word)) missing += " " + word;
     return missing;
 }
 
@@ -53,12 +51,12 @@ const std::vector<std::string> receiptLines{"Invoice number 4821 from Corner Bak
 const std::vector<std::string> meetingLines{"Meeting moved to Thursday",
                                             "Bring the signed contract"};
 
-// Three lines of dark text on white, 900 × 300.
-Canvas receipt() {
-    Canvas canvas(900, 300, white);
+// Three lines of ink on a ground, 900 × 300.
+Canvas receipt(const Colour& ground = white, const Colour& ink = black) {
+    Canvas canvas(900, 300, ground);
     int y = 40;
     for (const auto& line : receiptLines)
-        y += canvas.text(black, 40, y, "Liberation Sans 30", line) + 40;
+        y += canvas.text(ink, 40, y, "Liberation Sans 30", line) + 40;
     return canvas;
 }
 
@@ -67,41 +65,6 @@ using Make = std::function<bool(const std::string& path)>;
 
 bool saveReceipt(const std::string& path) {
     return receipt().save(path);
-}
-
-// The receipt converted into another colour space.
-Make inSpace(VipsInterpretation space) {
-    return [space](const std::string& path) {
-        return receipt().saveConverted(path, [space](VipsImage* picture) {
-            VipsImage* out = nullptr;
-            vips_colourspace(picture, &out, space, nullptr);
-            return out;
-        });
-    };
-}
-
-// Black ink whose opacity is the receipt's darkness, as a window capture's cut-out.
-bool inkOnTransparent(const std::string& path) {
-    return receipt().saveConverted(path, [](VipsImage* picture) {
-        VipsImage *grey = nullptr, *opacity = nullptr, *none = nullptr, *ink = nullptr;
-        vips_colourspace(picture, &grey, VIPS_INTERPRETATION_B_W, nullptr);
-        VipsRef<VipsImage> a(grey);
-        vips_invert(grey, &opacity, nullptr);
-        VipsRef<VipsImage> b(opacity);
-        vips_linear1(picture, &none, 0, 0, "uchar", TRUE, nullptr);
-        VipsRef<VipsImage> c(none);
-        vips_bandjoin2(none, opacity, &ink, nullptr);
-        VipsRef<VipsImage> d(ink);
-        VipsImage* tagged = nullptr;
-        vips_copy(ink, &tagged, "interpretation", VIPS_INTERPRETATION_sRGB, nullptr);
-        return tagged;
-    });
-}
-
-// Saved under a plain name and renamed: libvips would take "[…]" in a name as save options.
-bool renamedReceipt(const std::string& path) {
-    const auto plain = std::filesystem::path(path).parent_path() / "plain.png";
-    return receipt().save(plain) && std::rename(plain.c_str(), path.c_str()) == 0;
 }
 
 // A file holding these bytes.
@@ -118,13 +81,11 @@ Make cutShort(size_t keep) {
     };
 }
 
-// A Micro QR code (version M2) for "12345", drawn module by module: the detector's writer
-// makes no Micro QR codes.
-const std::vector<std::string> microQr{
-    "#######.#.#.#", "#.....#......", "#.###.#.###.#", "#.###.#.#..##", "#.###.#.####.",
-    "#.....#..##.#", "#######.##..#", ".........####", "##.#.#.####..", ".....#.#..#..",
-    "#......#..##.", ".##.#####...#", "##..#.#######",
-};
+// A Micro QR code (version M2) for "12345": the detector's writer makes no Micro QR codes.
+const std::string microQr = "#######.#.#.#\n#.....#......\n#.###.#.###.#\n#.###.#.#..##\n"
+                            "#.###.#.####.\n#.....#..##.#\n#######.##..#\n.........####\n"
+                            "##.#.#.####..\n.....#.#..#..\n#......#..##.\n.##.#####...#\n"
+                            "##..#.#######\n";
 
 struct Picture {
     std::string name;
@@ -132,7 +93,6 @@ struct Picture {
     int64_t width = 900, height = 300; // as stored in the file
     bool failed = false;
     std::vector<std::string> lines = receiptLines, barcodes = {};
-    int bands = 0; // of the saved file, when the case is about its pixel format
 };
 
 void PrintTo(const Picture& p, std::ostream* out) {
@@ -169,15 +129,8 @@ Picture broken(const std::string& name, Make make, int64_t width = 0, int64_t he
     return {name, std::move(make), width, height, true, {}};
 }
 
-// Read from a reduced copy, recorded at its full size.
-bool huge(const std::string& path) {
-    Canvas canvas(6000, 4000, white);
-    canvas.text(black, 400, 800, "Liberation Sans 160", "Quarterly report");
-    canvas.text(black, 400, 1400, "Liberation Sans 120", "Sales grew by nine percent");
-    return canvas.save(path);
-}
-
 const Colour dark{30, 30, 30}, light{236, 236, 236}, blue{11, 132, 255};
+const Colour clear{0, 0, 0, 0}, opaque{0, 0, 0, 255}; // black, with opacity
 const std::string small = "Liberation Sans 12", large = "Liberation Sans Bold 110";
 using ZXing::BarcodeFormat;
 
@@ -189,16 +142,18 @@ const Picture pictures[] = {
     {"receipt.gif", saveReceipt},
     {"receipt.bmp", saveReceipt},
     {"receipt.heic", saveReceipt},
-    {"ink.png", inkOnTransparent, 900, 300, false, receiptLines, {}, 4},
-    {"grey16.png", inSpace(VIPS_INTERPRETATION_GREY16), 900, 300, false, receiptLines, {}, 1},
-    {"cmyk.jpg", inSpace(VIPS_INTERPRETATION_CMYK), 900, 300, false, receiptLines, {}, 4},
-    {"Screenshot [2].png", renamedReceipt},
-    {"shot[page=1].png", renamedReceipt},
-    {"ünïcode ✓.png", renamedReceipt},
+    // Black ink whose opacity is the text, as a window capture's cut-out.
+    {"ink.png", [](const auto& p) { return receipt(clear, opaque).save(p); }},
+    {"grey16.png", [](const auto& p) { return receipt().save(p, VIPS_INTERPRETATION_GREY16); }},
+    {"cmyk.jpg", [](const auto& p) { return receipt().save(p, VIPS_INTERPRETATION_CMYK); }},
+    // Saved under a plain name and renamed: libvips would take "[…]" in a name as load options.
+    {"shöt ✓.png[page=1]",
+     [](const std::string& path) {
+         const auto plain = std::filesystem::path(path).parent_path() / "plain.png";
+         return receipt().save(plain) && std::rename(plain.c_str(), path.c_str()) == 0;
+     }},
     // Stored a quarter turn anticlockwise with EXIF orientation 6: read upright, size as stored.
-    {"sideways.jpg", [](const auto& path) { return receipt().storeSideways().save(path); }, 300,
-     900},
-    {"huge.png", huge, 6000, 4000, false, {"Quarterly report", "Sales grew by nine percent"}},
+    {"sideways.jpg", [](const auto& p) { return receipt().storeSideways().save(p); }, 300, 900},
     screen("light small", white, light, {28, 28, 30}, small, 1000, 300),
     screen("dark small", dark, {43, 43, 43}, {224, 224, 224}, small, 1000, 300),
     screen("terminal", {29, 31, 33}, {29, 31, 33}, {152, 195, 121}, "DejaVu Sans Mono 13", 1000,
@@ -206,6 +161,8 @@ const Picture pictures[] = {
     screen("light large", white, white, black, large, 3000, 900),
     screen("dark large", black, {35, 38, 47}, white, large, 3000, 900),
     screen("blue card", white, blue, white, "Liberation Sans 30", 1400, 400),
+    // Read from a reduced copy, recorded at its full size.
+    screen("huge", white, white, black, "Liberation Sans 160", 6000, 4000),
     screen("grey caption", white, white, {142, 142, 147}, "Liberation Sans 13", 1000, 300),
     broken("empty.png", bytes("")),
     broken("notes.png", bytes("Shopping list: milk, bread, eggs\n")),
@@ -220,19 +177,18 @@ const Picture pictures[] = {
               c.barcode(BarcodeFormat::QRCode, "second", 600, 100, 8);
               c.modules(microQr, 1100, 100, 12);
           }),
-    codes("an Aztec code and a QR code", {"Aztec", "QR"},
+    codes("a QR code and an Aztec code near a corner", {"Aztec", "QR"},
           [](Canvas& c) {
               c.barcode(BarcodeFormat::QRCode, "ticket 42", 100, 100, 8);
-              c.barcode(BarcodeFormat::Aztec, "boarding pass", 700, 100, 8);
+              c.barcode(BarcodeFormat::Aztec, "seat 14C", 1350, 500, 8);
           }),
-    codes("an Aztec code near a corner", {"Aztec"},
-          [](Canvas& c) { c.barcode(BarcodeFormat::Aztec, "seat 14C", 1350, 500, 8); }),
-    codes("a Micro QR code alone", {"QR"}, [](Canvas& c) { c.modules(microQr, 200, 150, 12); }),
-    codes("Data Matrix, PDF417 and Code 128", {"Barcode", "DataMatrix", "PDF417"},
+    codes("Data Matrix, PDF417, Code 128 and a Micro QR code",
+          {"Barcode", "DataMatrix", "PDF417", "QR"},
           [](Canvas& c) {
               c.barcode(BarcodeFormat::DataMatrix, "parcel 7731", 100, 100, 8);
               c.barcode(BarcodeFormat::PDF417, "membership 99812", 500, 100, 4);
               c.barcode(BarcodeFormat::Code128, "LV-2024-0042", 100, 450, 4);
+              c.modules(microQr, 1100, 450, 12);
           }),
 };
 
@@ -243,15 +199,9 @@ TEST_P(ReaderPictureTest, ReadsTheWordsBarcodesAndStoredSize) {
     test::TempDir dir;
     const std::string path = dir.file(c.name);
     if (!c.make(path)) GTEST_SKIP() << "libvips cannot write " << c.name << " here";
-    if (c.bands) {
-        VipsRef<VipsImage> saved(vips_image_new_from_file(path.c_str(), nullptr));
-        ASSERT_TRUE(saved);
-        ASSERT_EQ(vips_image_get_bands(saved.get()), c.bands);
-    }
     const Reading reading = Reader::read(path, english);
     EXPECT_EQ(reading.failed, c.failed);
-    EXPECT_EQ(reading.pixelWidth, c.width);
-    EXPECT_EQ(reading.pixelHeight, c.height);
+    EXPECT_EQ(std::pair(reading.pixelWidth, reading.pixelHeight), std::pair(c.width, c.height));
     EXPECT_EQ(missingWords(reading, c.lines), "");
     EXPECT_EQ(reading.barcodes, c.barcodes);
     EXPECT_TRUE(!c.failed || reading.lines.empty());
@@ -266,37 +216,29 @@ TEST_P(ReaderPictureTest, ReadsTheWordsBarcodesAndStoredSize) {
 
 INSTANTIATE_TEST_SUITE_P(Pictures, ReaderPictureTest, testing::ValuesIn(pictures));
 
-TEST(ReaderTest, LinesComeInReadingOrderWithBoxesFromTheLowerLeft) {
+TEST(ReaderTest, ThreadsReadLinesInReadingOrderWithBoxesFromTheLowerLeft) {
     test::TempDir dir;
+    const std::string path = dir.file("order.png");
     Canvas canvas(1200, 800, white);
     // Drawn bottom first, right before left, so the order cannot come from drawing.
-    const int bottomHeight = canvas.text(black, 100, 600, "Liberation Sans 32", "Bottom line here");
+    canvas.text(black, 100, 600, "Liberation Sans 32", "Bottom line here");
     canvas.text(black, 700, 100, "Liberation Sans 32", "Right column");
-    const int leftHeight = canvas.text(black, 100, 100, "Liberation Sans 32", "Left column");
-    ASSERT_TRUE(canvas.save(dir.file("order.png")));
+    const int height = canvas.text(black, 100, 100, "Liberation Sans 32", "Left column");
+    ASSERT_TRUE(canvas.save(path));
 
-    const Reading reading = Reader::read(dir.file("order.png"), english);
-    ASSERT_EQ(reading.lines.size(), 3u);
-    EXPECT_EQ(reading.lines[0].text, "Left column");
-    EXPECT_EQ(reading.lines[1].text, "Right column");
-    EXPECT_EQ(reading.lines[2].text, "Bottom line here");
+    const Reading alone = Reader::read(path, english);
+    ASSERT_EQ(alone.lines.size(), 3u);
+    EXPECT_EQ(alone.lines[0].text, "Left column");
+    EXPECT_EQ(alone.lines[1].text, "Right column");
+    EXPECT_EQ(alone.lines[2].text, "Bottom line here");
     // The ink lies within the drawn text's area: from x = 100 px, its top near the drawn top.
-    const TextLine &left = reading.lines[0], &bottom = reading.lines[2];
+    const TextLine &left = alone.lines[0], &bottom = alone.lines[2];
     EXPECT_NEAR(left.x, 100.0 / 1200, 0.01);
     EXPECT_NEAR(left.y + left.h, 1 - 100.0 / 800, 0.02);
-    EXPECT_GE(left.y, 1 - (100.0 + leftHeight) / 800 - 0.005);
-    EXPECT_GT(left.w, 0.1);
-    EXPECT_LT(left.h, 0.06);
+    EXPECT_GE(left.y, 1 - (100.0 + height) / 800 - 0.005);
     EXPECT_NEAR(bottom.y + bottom.h, 1 - 600.0 / 800, 0.02);
-    EXPECT_GE(bottom.y, 1 - (600.0 + bottomHeight) / 800 - 0.005);
-}
 
-TEST(ReaderTest, ThreadsReadAtOnceAsOneThreadReadsAlone) {
-    test::TempDir dir;
-    const std::string path = dir.file("receipt.png");
-    ASSERT_TRUE(receipt().save(path));
-    const Reading alone = Reader::read(path, english);
-    ASSERT_FALSE(alone.failed);
+    // Three threads at once, each reading twice, read as one thread alone.
     std::vector<Reading> readings(3);
     std::vector<std::thread> threads;
     for (auto& reading : readings)

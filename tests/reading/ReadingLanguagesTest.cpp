@@ -21,24 +21,13 @@ TEST(ReadingLanguagesTest, DefaultsPutEnglishFirstThenPreferredMatchesAndEastAsi
         const char* name;
         Tags preferred, supported, expected;
     } cases[] = {
-        {"regions find their language",
-         {"de-DE", "fr-CH"},
-         {"en-US", "fr-FR", "de-DE"},
-         {"en-US", "de-DE", "fr-FR"}},
-        {"Japanese goes last", {"ja-JP", "en-GB"}, {"en-US", "ja-JP"}, {"en-US", "ja-JP"}},
-        {"no preference, no English: the first supported", {}, {"fr-FR", "de-DE"}, {"fr-FR"}},
+        {"regions", {"de-DE", "fr_CH"}, {"en-US", "fr-FR", "de-DE"}, {"en-US", "de-DE", "fr-FR"}},
+        {"no prefix match, no English: first", {"e"}, {"fr-FR", "es-ES"}, {"fr-FR"}},
         {"nothing supported", {"de-DE"}, {}, {}},
-        {"the language's first tag, even over the exact one",
-         {"pt-PT"},
-         {"en-US", "pt-BR", "pt-PT"},
-         {"en-US", "pt-BR"}},
-        {"the exact tag when it comes first", {"pt-PT"}, {"pt-PT", "pt-BR"}, {"pt-PT"}},
-        {"a bare language", {"sv"}, {"en-US", "sv-SE"}, {"en-US", "sv-SE"}},
-        {"a supported bare language", {"sv-FI"}, {"en-US", "sv"}, {"en-US", "sv"}},
-        {"underscores separate too", {"nl_BE"}, {"en-US", "nl-NL"}, {"en-US", "nl-NL"}},
-        {"each tag once", {"de-AT", "de-CH", "en-US"}, {"en-US", "de-DE"}, {"en-US", "de-DE"}},
-        {"unsupported ones dropped", {"xx-YY", "fi-FI"}, {"en-US", "fi-FI"}, {"en-US", "fi-FI"}},
-        {"no prefix match across languages", {"e"}, {"es-ES"}, {"es-ES"}},
+        // The language's first tag, even over the exact one.
+        {"first of the language", {"pt-PT"}, {"en-US", "pt-BR", "pt-PT"}, {"en-US", "pt-BR"}},
+        {"bare languages", {"sv", "da-DK"}, {"en-US", "sv-SE", "da"}, {"en-US", "sv-SE", "da"}},
+        {"once each", {"de-AT", "xx-YY", "de-CH", "en-US"}, {"en-US", "de-DE"}, {"en-US", "de-DE"}},
         {"Chinese, Japanese and Korean keep their order after the rest",
          {"ko-KR", "zh-Hant", "ru-RU", "ja-JP"},
          {"ja-JP", "ko-KR", "zh-Hant", "ru-RU"},
@@ -58,15 +47,12 @@ TEST(ReadingLanguagesTest, PreferredComesFromLanguageElseTheLocale) {
         std::optional<std::string> values[4]; // of `names`
         Tags expected;
     } cases[] = {
-        {"LANGUAGE lists several", {"de_DE.UTF-8:fr_CH:en", "C.UTF-8"}, {"de-DE", "fr-CH", "en"}},
-        {"empty entries of LANGUAGE are skipped", {":pt_BR::"}, {"pt-BR"}},
+        {"LANGUAGE lists several", {"de_DE.UTF-8::fr_CH:en:", "C.UTF-8"}, {"de-DE", "fr-CH", "en"}},
         {"empty LANGUAGE: LC_ALL", {"", "de_DE.UTF-8", "fr_FR.UTF-8", "es_ES.UTF-8"}, {"de-DE"}},
         {"LC_MESSAGES after LC_ALL", {none, none, "pt_BR.UTF-8", "es_ES.UTF-8"}, {"pt-BR"}},
-        {"LANG last", {none, "", "", "sv_SE.ISO-8859-1"}, {"sv-SE"}},
-        {"a modifier goes", {none, none, none, "sr_RS@latin"}, {"sr-RS"}},
-        {"C names no language, and hides LANG", {none, "C", none, "de_DE.UTF-8"}, {}},
+        {"LANG last, a modifier gone", {none, "", "", "sr_RS@latin"}, {"sr-RS"}},
+        {"C names no language, and hides LANG", {none, "C.UTF-8", none, "de_DE.UTF-8"}, {}},
         {"POSIX neither", {none, none, "POSIX", "de_DE.UTF-8"}, {}},
-        {"C.UTF-8 neither", {none, "C.UTF-8"}, {}},
         {"nothing set", {}, {}},
         {"LANGUAGE of C only: the locale", {"C", "it_IT.UTF-8"}, {"it-IT"}},
     };
@@ -78,59 +64,43 @@ TEST(ReadingLanguagesTest, PreferredComesFromLanguageElseTheLocale) {
     }
 }
 
-// A model folder holding empty files of these names.
+// A model folder holding empty files of these names, ".traineddata" added to names without a dot.
 std::string modelFolder(const test::TempDir& dir, const std::vector<std::string>& files) {
     for (const auto& file : files)
-        test::writeFile(dir.file("tessdata/" + file), "");
+        test::writeFile(dir.file("tessdata/" + file +
+                                 (file.find('.') == std::string::npos ? ".traineddata" : "")),
+                        "");
     std::filesystem::create_directories(dir.file("tessdata"));
     return dir.file("tessdata");
 }
 
-TEST(ReadingLanguagesTest, SupportedListsTheInstalledModelsWithKnownTags) {
+TEST(ReadingLanguagesTest, SupportedAndModelsFollowTheInstalledModels) {
     const struct {
         const char* name;
         std::vector<std::string> files;
-        Tags expected;
+        Tags supported, tags;
+        std::string models;
     } cases[] = {
-        {"known models in the table's order, helpers and strangers skipped",
-         {"chi_sim.traineddata", "deu.traineddata", "eng.traineddata", "osd.traineddata",
-          "equ.traineddata", "xyz.traineddata", "fra.txt", "kor.traineddata"},
-         {"en-US", "de-DE", "zh-Hans", "ko-KR"}},
-        {"no English", {"ukr.traineddata"}, {"uk-UA"}},
-        {"no model: English", {"osd.traineddata", "readme"}, {"en-US"}},
-        {"empty folder: English", {}, {"en-US"}},
+        // Known models in the table's order, helpers and strangers skipped; the models of the
+        // tags in the given order, each once, a region finding its language.
+        {"several",
+         {"chi_sim", "deu", "eng", "osd", "equ", "xyz", "fra.txt", "kor"},
+         {"en-US", "de-DE", "zh-Hans", "ko-KR"},
+         {"de-AT", "en-US", "en-GB", "de-DE"},
+         "deu+eng"},
+        {"not installed", {"eng", "chi_tra"}, {"en-US", "zh-Hant"}, {"fr", "zh-Hant"}, "chi_tra"},
+        {"no English; none installed or known", {"ukr"}, {"uk-UA"}, {"fr", "tlh", ""}, "eng"},
+        {"no model: English", {"osd", "readme.txt"}, {"en-US"}, {}, "eng"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         test::TempDir dir;
         setEnv("TESSDATA_PREFIX", modelFolder(dir, c.files));
-        EXPECT_EQ(ReadingLanguages::supported(), c.expected);
+        EXPECT_EQ(ReadingLanguages::supported(), c.supported);
+        EXPECT_EQ(ReadingLanguages::models(c.tags), c.models);
     }
     setEnv("TESSDATA_PREFIX", "/nonexistent/tessdata");
     EXPECT_EQ(ReadingLanguages::supported(), Tags{"en-US"});
-}
-
-TEST(ReadingLanguagesTest, ModelsJoinTheInstalledModelsOfTheTags) {
-    test::TempDir dir;
-    setEnv("TESSDATA_PREFIX",
-           modelFolder(dir, {"eng.traineddata", "deu.traineddata", "chi_tra.traineddata"}));
-    const struct {
-        const char* name;
-        Tags tags;
-        std::string expected;
-    } cases[] = {
-        {"in the given order", {"de-DE", "en-US"}, "deu+eng"},
-        {"a region of a known language", {"en-US", "de-AT"}, "eng+deu"},
-        {"each model once", {"en-US", "en-GB", "de-DE", "de-CH"}, "eng+deu"},
-        {"not installed: left out", {"fr-FR", "zh-Hant"}, "chi_tra"},
-        {"nothing installed: English", {"fr-FR"}, "eng"},
-        {"unknown tags", {"tlh", ""}, "eng"},
-        {"no tags", {}, "eng"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(ReadingLanguages::models(c.tags), c.expected);
-    }
 }
 
 } // namespace
