@@ -59,11 +59,7 @@ TEST(AppModelTest, scanReadsWhatIsNewChangedOrOfAnOlderReaderAndForgetsWhatWent)
 }
 
 TEST(AppModelTest, aFolderThatCannotBeOpenedIsFlaggedAndItsShotsStay) {
-    // Permissions do not hold for root, so as root the test runs again as an ordinary user.
-    if (test::runningAsRoot() &&
-        !test::runsInChild(
-            {"unprivileged", {"setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups"}}))
-        return;
+    if (!test::runsUnprivileged()) return;
     World world;
     AppModel& model = world.open({"a.png"});
     for (const bool readable : {false, true}) {

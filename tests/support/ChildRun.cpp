@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace lumivale::test {
 namespace {
@@ -41,6 +42,12 @@ bool runsInChild(const ChildSetup& setup) {
                        << (exit == 124 ? "overran its time and was stopped" : "failed")
                        << "; its output is above";
     return false;
+}
+
+bool runsUnprivileged() {
+    return geteuid() != 0 ||
+           runsInChild({"unprivileged",
+                        {"setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups"}});
 }
 
 std::optional<std::string> runShell(const std::string& command) {

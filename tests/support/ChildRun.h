@@ -24,6 +24,10 @@ struct ChildSetup {
 // overruns its time (killing it), and gives false.
 bool runsInChild(const ChildSetup& setup);
 
+// Permissions do not hold for root: true where the test body may run, as an ordinary user or in
+// a child run again as "nobody"; false in a root parent, after running that child.
+bool runsUnprivileged();
+
 // Runs a shell command; its standard output, or nothing when it exits with a failure.
 std::optional<std::string> runShell(const std::string& command);
 
