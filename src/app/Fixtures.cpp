@@ -62,12 +62,6 @@ std::string_view fixtureKindId(Fixture::Kind kind) {
     return kindIds[static_cast<size_t>(kind)];
 }
 
-std::optional<Fixture::Kind> fixtureKindFromId(std::string_view id) {
-    for (Kind kind : allFixtureKinds)
-        if (fixtureKindId(kind) == id) return kind;
-    return std::nullopt;
-}
-
 namespace Fixtures {
 
 const std::vector<Fixture>& all() {

@@ -8,8 +8,6 @@
 #include "core/Status.h"
 
 #include <QImage>
-#include <array>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -50,27 +48,8 @@ struct Fixture {
     auto operator<=>(const Fixture&) const = default;
 };
 
-inline constexpr std::array<Fixture::Kind, 16> allFixtureKinds = {Fixture::Kind::idCard,
-                                                                  Fixture::Kind::passport,
-                                                                  Fixture::Kind::receipt,
-                                                                  Fixture::Kind::upiPayment,
-                                                                  Fixture::Kind::hardwareReceipt,
-                                                                  Fixture::Kind::boardingPass,
-                                                                  Fixture::Kind::trainTicket,
-                                                                  Fixture::Kind::movieTicket,
-                                                                  Fixture::Kind::chat,
-                                                                  Fixture::Kind::groupChat,
-                                                                  Fixture::Kind::code,
-                                                                  Fixture::Kind::terminal,
-                                                                  Fixture::Kind::shopping,
-                                                                  Fixture::Kind::map,
-                                                                  Fixture::Kind::recipe,
-                                                                  Fixture::Kind::sunset};
-
 // The raw value of a kind: its case name ("idCard").
 std::string_view fixtureKindId(Fixture::Kind kind);
-// The kind with exactly this raw value, or nothing.
-std::optional<Fixture::Kind> fixtureKindFromId(std::string_view id);
 
 namespace Fixtures {
 
