@@ -130,9 +130,10 @@ std::vector<Ranked> scoreMatches(std::span<const ShotPtr> shots, size_t offset,
         if (!terms.empty()) {
             const std::string_view name = foldedName(shot, nameScratch);
             for (size_t t = 0; t < terms.size(); ++t) {
-                const bool plainOnly = terms[t].plainOnly && shot.squashedAt;
-                score += termScore(shot, searchedText(shot, plainOnly), name, terms[t], firsts[t],
-                                   plainOnly ? 2 : 1);
+                // Read in the plain half alone, each occurrence stands for its squashed twin too.
+                const bool twinned = terms[t].plainOnly && shot.squashedAt;
+                score += termScore(shot, searchedText(shot, twinned), name, terms[t], firsts[t],
+                                   twinned ? 2 : 1);
             }
         }
         ranked.push_back({score, static_cast<uint32_t>(offset + i), shot.date()});
