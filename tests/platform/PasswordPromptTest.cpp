@@ -29,9 +29,6 @@ struct Terminal {
         close(master);
         close(slave);
     }
-    void type(const std::string& keys) {
-        ASSERT_EQ(write(master, keys.data(), keys.size()), ssize_t(keys.size()));
-    }
     // What the terminal showed, read until it holds `until` or nothing comes for a while.
     std::string shown(const std::string& until = {}) {
         std::string out;
@@ -57,12 +54,9 @@ TEST(TerminalPasswordPrompt, readsWhatIsTypedWithoutShowingIt) {
         std::optional<std::string> expected;
         bool hangUp = false; // the terminal goes away after the keys
     } cases[] = {
-        {"enter ends", "tr0ub4dor\n", "tr0ub4dor"},
-        {"backspace takes back", "tr0ub4dx\x7for\n", "tr0ub4dor"},
-        {"backspace on nothing", "\x7f\x08tr0ub4dor\n", "tr0ub4dor"},
-        {"ctrl+u starts over", "wrong\x15tr0ub4dor\n", "tr0ub4dor"},
-        {"spaces and accents kept", " pâss wörd \n", " pâss wörd "},
-        {"empty", "\n", ""},
+        {"enter ends", " pâss wörd \n", " pâss wörd "},
+        // Ctrl+u takes back the whole line, backspace (also on nothing) a letter.
+        {"line editing", "wrong\x15\x7f\x08tr0ub4dx\x7for\r", "tr0ub4dor"},
         {"ctrl+c cancels", "tr0ub\x03", std::nullopt},
         {"a terminal that goes away cancels", "tr0ub", std::nullopt, true},
     };
@@ -73,7 +67,7 @@ TEST(TerminalPasswordPrompt, readsWhatIsTypedWithoutShowingIt) {
         auto answer = std::async(std::launch::async,
                                  [&] { return terminalPasswordPrompt(terminal.device)(reason); });
         ASSERT_NE(terminal.shown(promptText).find(promptText), std::string::npos);
-        terminal.type(c.keys);
+        ASSERT_EQ(write(terminal.master, c.keys.data(), c.keys.size()), ssize_t(c.keys.size()));
         if (c.hangUp) close(std::exchange(terminal.master, -1));
         ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
         const auto password = answer.get();
@@ -84,13 +78,7 @@ TEST(TerminalPasswordPrompt, readsWhatIsTypedWithoutShowingIt) {
         EXPECT_EQ(terminal.shown(), "\r\n");
         EXPECT_TRUE(terminal.echoes());
     }
-}
-
-TEST(TerminalPasswordPrompt, givesNothingWithoutATerminal) {
-    for (const char* device : {"/dev/null", "/nonexistent/tty"}) {
-        SCOPED_TRACE(device);
-        EXPECT_FALSE(terminalPasswordPrompt(device)(reason));
-    }
+    EXPECT_FALSE(terminalPasswordPrompt("/dev/null")(reason)) << "no terminal, no password";
 }
 
 } // namespace

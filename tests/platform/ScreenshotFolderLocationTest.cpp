@@ -16,16 +16,19 @@ using lumivale::test::writeFile;
 
 namespace {
 
-// Each tool's settings file, relative to home.
+// Each tool's settings file, relative to home, and settings in it ("{home}" stands for home).
 const std::string rc = ".config/spectaclerc";
 const std::string fl = ".config/flameshot/flameshot.ini";
 const std::string xf = ".config/xfce4/xfce4-screenshooter";
 const std::string spectacle6 = "[ImageSave]\nimageSaveLocation=file://{home}/Spectacle6/\n";
 const std::string spectacle5 =
-    "[General]\nx=1\n\n[Save]\ndefaultSaveLocation=file://{home}/Spectacle5/\n";
-const std::string flameshot = "[General]\nsavePath={home}/Flame\nsavePathFixed=true\n";
+    "[ImageSave]\nimageSaveLocation=\n[Save]\ndefaultSaveLocation={home}/Spectacle5\n";
+const std::string kdeExpanded = "[ImageSave]\nimageSaveLocation[$e]=$HOME/My\\sShots/\n";
+const std::string flameshot = "[General]\nsavePath=\"{home}/Flame, shots/\"\nsavePathFixed=true\n";
+const std::string flameshotGone = "[General]\nsavePath={home}/Gone\n"; // a file, not a folder
 const std::string xfce = "app=gimp\nscreenshot_dir=file://{home}/Xfce\nenable_imgur_upload=false\n";
-const std::string fallback = "Pictures/Screenshots";
+const std::map<std::string, std::string> allThree = {{rc, spectacle6}, {fl, flameshot}, {xf, xfce}};
+const std::string fallback = "My Shots/Screenshots"; // in the Pictures folder that user-dirs names
 
 TEST(ScreenshotFolderLocationTest, ReadsEachToolsSettingInTurn) {
     // gnome-screenshot's schema (its save folder's key, as the real schema declares it) in a
@@ -42,68 +45,44 @@ TEST(ScreenshotFolderLocationTest, ReadsEachToolsSettingInTurn) {
     setenv("GSETTINGS_BACKEND", "keyfile", 1);
     const struct {
         std::string name;
-        std::map<std::string, std::string> files;
         bool kde;
-        std::string expected;   // relative to home
+        std::string expected; // relative to home
+        std::map<std::string, std::string> files;
         std::string gnome = ""; // gnome-screenshot's setting
     } cases[] = {
-        {"no settings: the Pictures folder's Screenshots", {}, false, fallback},
-        {"the Pictures folder that user-dirs names",
-         {{".config/user-dirs.dirs", "XDG_PICTURES_DIR=\"$HOME/My Shots\"\n"}},
-         false,
-         "My Shots/Screenshots"},
-        {"an empty Plasma 6 entry leaves Plasma 5's",
-         {{rc, "[ImageSave]\nimageSaveLocation=\n" + spectacle5}},
-         true,
-         "Spectacle5"},
-        {"a KDE entry expanded from $HOME",
-         {{rc, "[ImageSave]\nimageSaveLocation[$e]=$HOME/Spectacle6\n"}},
-         true,
-         "Spectacle6"},
-        {"a KDE entry with an escaped space",
-         {{rc, "[ImageSave]\nimageSaveLocation=file://{home}/My\\sShots/\n"}},
-         true,
-         "My Shots"},
-        {"Flameshot with a quoted path",
-         {{fl, "[General]\nsavePath=\"{home}/Flame, shots/\"\n"}},
-         false,
-         "Flame, shots"},
-        {"in a KDE session Spectacle comes first",
-         {{rc, spectacle6}, {fl, flameshot}, {xf, xfce}},
-         true,
-         "Spectacle6"},
-        // Outside a KDE session Spectacle is not asked.
-        {"Flameshot before Xfce", {{rc, spectacle6}, {fl, flameshot}, {xf, xfce}}, false, "Flame"},
-        {"the first setting decides even when its folder is gone",
-         {{fl, "[General]\nsavePath={home}/Gone\n"}, {xf, xfce}},
-         false,
-         fallback},
-        {"a relative setting is not trusted", {{xf, "screenshot_dir=Xfce\n"}}, false, fallback},
-        {"gnome-screenshot with a URL", {}, false, "Gnome", "file://{home}/Gnome/"},
-        {"Xfce before gnome-screenshot", {{xf, xfce}}, false, "Xfce", "file://{home}/Gnome"},
+        {"no settings: the Pictures folder's Screenshots", false, fallback, {}},
+        {"Plasma 5's entry under an empty Plasma 6 one", true, "Spectacle5", {{rc, spectacle5}}},
+        {"a KDE entry with $HOME and an escaped space", true, "My Shots", {{rc, kdeExpanded}}},
+        {"in a KDE session Spectacle comes first", true, "Spectacle6", allThree},
+        {"else Flameshot, with a quoted path", false, "Flame, shots", allThree},
+        {"the first setting decides", false, fallback, {{fl, flameshotGone}, {xf, xfce}}},
+        {"gnome-screenshot with a URL", false, "Gnome", {}, "file://{home}/Gnome/"},
+        {"Xfce before gnome-screenshot", false, "Xfce", {{xf, xfce}}, "file://{home}/Gnome"},
     };
+    // A home with the folders that settings may name.
+    const TempDir home;
+    for (const char* folder :
+         {"Spectacle6", "Spectacle5", "Flame, shots", "Xfce", "Gnome", "My Shots"})
+        fs::create_directories(home.file(folder));
+    writeFile(home.file("Gone"), "a file");
+    const auto withHome = [&](std::string text) {
+        for (size_t at = text.find("{home}"); at != std::string::npos; at = text.find("{home}"))
+            text.replace(at, 6, home.str());
+        return text;
+    };
+    setenv("XDG_CONFIG_HOME", home.file(".config").c_str(), 1);
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        // A home with the folders that settings may name; "{home}" in the texts stands for it.
-        const TempDir dir;
-        const std::string home = dir.file("home");
-        for (const char* folder :
-             {"Spectacle6", "Spectacle5", "Flame", "Flame, shots", "Xfce", "Gnome", "My Shots"})
-            fs::create_directories(home + "/" + folder);
-        const auto withHome = [&](std::string text) {
-            for (size_t at = text.find("{home}"); at != std::string::npos; at = text.find("{home}"))
-                text.replace(at, 6, home);
-            return text;
-        };
+        fs::remove_all(home.file(".config"));
+        writeFile(home.file(".config/user-dirs.dirs"), "XDG_PICTURES_DIR=\"$HOME/My Shots\"\n");
         for (const auto& [name, text] : c.files)
-            writeFile(home + "/" + name, withHome(text));
+            writeFile(home.file(name), withHome(text));
         GSettings* gnome = g_settings_new("org.gnome.gnome-screenshot"); // as its preferences do
         g_settings_set_string(gnome, "auto-save-directory", withHome(c.gnome).c_str());
         g_settings_sync();
         g_object_unref(gnome);
-        setenv("XDG_CONFIG_HOME", (home + "/.config").c_str(), 1);
         setenv("XDG_CURRENT_DESKTOP", c.kde ? "KDE" : "ubuntu:GNOME", 1);
-        EXPECT_EQ(ScreenshotFolder::current(home), home + "/" + c.expected);
+        EXPECT_EQ(ScreenshotFolder::current(home.str()), home.file(c.expected));
     }
 }
 

@@ -14,6 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::chrono;
+using test::namesIn;
 using test::readFile;
 using test::ScratchMount;
 using test::TempDir;
@@ -21,15 +22,21 @@ using test::writeFile;
 
 // 20:00:05 UTC is 01:30:05 the next day in Kolkata, where the tests run.
 const Date deletedAt = Date(sys_days(2026y / October / 31) + 20h + 5s);
-const char* const deletedLocal = "2026-11-01T01:30:05";
 const std::string awkwardName = "my shot 100% ü.png";
-const std::string uid = std::to_string(getuid());
 
-// The .trashinfo of a file named awkwardName in this folder, as trash-cli and file managers
-// read it: the path percent-encoded, the date in local time.
-std::string infoText(const std::string& folder) {
-    return "[Trash Info]\nPath=" + folder +
-           "my%20shot%20100%25%20%C3%BC.png\nDeletionDate=" + deletedLocal + "\n";
+// Puts the file at `path`, named awkwardName, in the Trash; expects it in the Trash folder `root`
+// as `landed`, with the info that trash-cli and file managers read: its path as `infoFolder` and
+// its name percent-encoded, and the date in local time.
+void expectTrashed(const std::string& path, const std::string& root, const std::string& landed,
+                   const std::string& infoFolder) {
+    const std::string bytes = readFile(path);
+    const TrashOutcome outcome = Trash::put(path, deletedAt);
+    ASSERT_TRUE(outcome.status.isOk()) << outcome.status.message();
+    EXPECT_EQ(outcome.place, root + "/files/" + landed);
+    EXPECT_EQ(readFile(root + "/files/" + landed), bytes);
+    EXPECT_EQ(readFile(root + "/info/" + landed + ".trashinfo"),
+              "[Trash Info]\nPath=" + infoFolder +
+                  "my%20shot%20100%25%20%C3%BC.png\nDeletionDate=2026-11-01T01:30:05\n");
 }
 
 // Every test gets a Trash of its own.
@@ -57,14 +64,7 @@ TEST_F(TrashTest, PutMovesTheFileAndWritesItsInfoUnderAFreeName) {
         fs::remove_all(trash);
         for (const std::string& name : c.held)
             writeFile(trash + "/" + name, "older");
-        const std::string path = writeFile(work.file(awkwardName), "ours");
-
-        const TrashOutcome outcome = Trash::put(path, deletedAt);
-        ASSERT_TRUE(outcome.status.isOk()) << outcome.status.message();
-        EXPECT_FALSE(fs::exists(path));
-        EXPECT_EQ(outcome.place, trash + "/files/" + c.landed);
-        EXPECT_EQ(readFile(trash + "/files/" + c.landed), "ours");
-        EXPECT_EQ(readFile(trash + "/info/" + c.landed + ".trashinfo"), infoText(work.str() + "/"));
+        expectTrashed(writeFile(work.file(awkwardName), "ours"), trash, c.landed, work.str() + "/");
         for (const std::string& name : c.held)
             EXPECT_EQ(readFile(trash + "/" + name), "older");
     }
@@ -72,7 +72,7 @@ TEST_F(TrashTest, PutMovesTheFileAndWritesItsInfoUnderAFreeName) {
 
 TEST_F(TrashTest, AFileThatCannotGoLeavesNoInfo) {
     EXPECT_FALSE(Trash::put(work.file("absent.png"), deletedAt).status.isOk());
-    EXPECT_TRUE(test::namesIn(trash + "/info").empty());
+    EXPECT_TRUE(namesIn(trash + "/info").empty());
 
     // On a read-only disk the file cannot leave its folder: the copy in the home Trash and
     // the info are taken back.
@@ -80,15 +80,14 @@ TEST_F(TrashTest, AFileThatCannotGoLeavesNoInfo) {
     if (!readOnly.ok()) GTEST_SKIP() << readOnly.why();
     const std::string stuck = writeFile(readOnly.file("stuck.png"), "stuck");
     ASSERT_TRUE(readOnly.makeReadOnly());
-    const TrashOutcome refused = Trash::put(stuck, deletedAt);
-    EXPECT_FALSE(refused.status.isOk());
-    EXPECT_EQ(refused.status.message(), "Read-only file system");
+    EXPECT_EQ(Trash::put(stuck, deletedAt).status.message(), "Read-only file system");
     EXPECT_EQ(readFile(stuck), "stuck");
-    EXPECT_TRUE(test::namesIn(trash + "/info").empty());
-    EXPECT_TRUE(test::namesIn(trash + "/files").empty());
+    EXPECT_TRUE(namesIn(trash + "/info").empty());
+    EXPECT_TRUE(namesIn(trash + "/files").empty());
 }
 
 TEST_F(TrashTest, AFileOnAnotherMountGoesToThatMountsTrash) {
+    const std::string uid = std::to_string(getuid());
     const struct {
         const char* name;
         std::string sharedTrash; // the shell commands that make it at the mount's top
@@ -105,18 +104,11 @@ TEST_F(TrashTest, AFileOnAnotherMountGoesToThatMountsTrash) {
         if (!disk.ok()) GTEST_SKIP() << disk.why();
         ASSERT_TRUE(test::runShell("cd '" + disk.path() + "' && " + c.sharedTrash));
         const std::string path = writeFile(disk.file("shots/" + awkwardName), "picture");
-
-        const TrashOutcome outcome = Trash::put(path, deletedAt);
-        ASSERT_TRUE(outcome.status.isOk()) << outcome.status.message();
-        const std::string root = disk.file(c.trashDir);
-        EXPECT_EQ(outcome.place, root + "/files/" + awkwardName);
-        EXPECT_EQ(readFile(root + "/files/" + awkwardName), "picture");
-        EXPECT_EQ(readFile(root + "/info/" + awkwardName + ".trashinfo"), infoText("shots/"));
-        EXPECT_TRUE(test::namesIn(trash + "/files").empty()) << "nothing crossed to the home Trash";
+        expectTrashed(path, disk.file(c.trashDir), awkwardName, "shots/");
+        EXPECT_EQ(fs::symlink_status(disk.file(c.trashDir)).permissions(), fs::perms::owner_all);
         EXPECT_NE(test::runShell("trash-list").value_or("").find("01:30:05 " + path + "\n"),
                   std::string::npos)
             << "trash-cli finds it";
-        EXPECT_EQ(fs::symlink_status(root).permissions(), fs::perms::owner_all);
     }
 }
 
