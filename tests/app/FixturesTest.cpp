@@ -5,11 +5,9 @@
 #include "app/FixtureDrawings.h"
 #include "support/TempDir.h"
 
-#include <QGuiApplication>
 #include <ctime>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <set>
 
 namespace lumivale {
 namespace {
@@ -20,14 +18,6 @@ using Kind = Fixture::Kind;
 Date localDate(int year, int month, int day, int hour, int minute, int second) {
     std::tm tm{second, minute, hour, day, month - 1, year - 1900, 0, 0, -1}; // glibc's order
     return Date(std::chrono::seconds(std::mktime(&tm)));
-}
-
-// Without a QGuiApplication there are no fonts to draw with: nothing, rather than a crash.
-// Declared first so that it runs before any other test of this program starts one.
-TEST(FixturesTest, ImageIsNullWithoutGuiApplication) {
-    if (QCoreApplication::instance())
-        GTEST_SKIP() << "a QGuiApplication already runs in this process";
-    EXPECT_TRUE(Fixtures::image(Kind::receipt).isNull());
 }
 
 TEST(FixturesTest, FileNameIsTheLocalTimeDaysAgo) {
@@ -49,7 +39,7 @@ TEST(FixturesTest, FileNameIsTheLocalTimeDaysAgo) {
         EXPECT_EQ((Fixture{Kind::receipt, Shelf::bills, false, c.daysAgo}.fileName(c.now)), c.name);
 }
 
-// Every picture is written at twice its size in points, dated back, in many colours, with every
+// Every picture is written at twice its size in points, dated back, with every
 // text a reader should find drawn word for word, possibly in several coloured pieces laid one
 // after another; the sunset has no text at all.
 TEST(FixturesTest, WriteMakesDatedPicturesWithTheirQuotedTextsInANewFolder) {
@@ -70,12 +60,6 @@ TEST(FixturesTest, WriteMakesDatedPicturesWithTheirQuotedTextsInANewFolder) {
         EXPECT_LT(std::chrono::abs(modified - fixture.date(now)), std::chrono::milliseconds(1));
         const QImage image(QString::fromStdString(path), "PNG");
         EXPECT_EQ(QSizeF(image.size()), Fixtures::size(fixture.kind) * 2);
-        std::set<QRgb> colours;
-        for (int y = 0; y < image.height(); y += 3)
-            for (int x = 0; x < image.width(); x += 3)
-                colours.insert(image.pixel(x, y));
-        EXPECT_GT(colours.size(), 20u);
-
         const auto& drawing = FixtureDrawings::of(fixture.kind);
         Canvas canvas(drawing.w, drawing.h, drawing.bg);
         canvas.render(drawing.draw);
