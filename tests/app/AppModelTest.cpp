@@ -1,6 +1,6 @@
 // The application model's scan cycle with the real reader on real folders, its settings,
-// folders, shelves and timers. (New, deleted, broken and unreadable files, places and blurring
-// are covered by the self-check's clean run.)
+// folders, shelves and timers. (New, deleted, broken and unreadable files, places, blurring and
+// picking a shelf by hand or the guessed one are covered by the self-check's clean run.)
 #include "AppTestSupport.h"
 
 #include <QCoreApplication>
@@ -41,6 +41,8 @@ TEST(AppModelTest, scanReadsAgainWhatChangedOrAnOlderReaderReadAndKeepsTheShelfP
     EXPECT_EQ(world.reads, 2);
     EXPECT_EQ(shot().guess, Shelf::bills);
     EXPECT_EQ(shot().manual, Shelf::other);
+    model.setShelf(world.shot("a.png"), std::nullopt); // no shelf: back to automatic
+    EXPECT_EQ(shot().manual, std::nullopt);
 }
 
 TEST(AppModelTest, readsAtMostThreeAtOnceAndSavesEveryTwentyFiveAndAtTheEnd) {
@@ -131,27 +133,6 @@ TEST(AppModelTest, sourcesListEachFolderOnceAndTheArchiveAlways) {
     EXPECT_EQ(model.sources(), (std::vector<Source>{{world.shots(), Kind::screenshots},
                                                     {phone, Kind::added},
                                                     {world.archive(), Kind::added}}));
-
-    // Removing the added archive leaves the archive itself, switched on.
-    model.setEnabled(model.sources()[2], false);
-    model.removeFolder(model.sources()[2]);
-    model.waitUntilIdle();
-    EXPECT_EQ(model.sources(), (std::vector<Source>{{world.shots(), Kind::screenshots},
-                                                    {phone, Kind::added},
-                                                    {world.archive(), Kind::archive}}));
-}
-
-TEST(AppModelTest, setShelfByHandAndBackToAutomatic) {
-    World world;
-    AppModel& model = world.open({"a.png"});
-    const std::string a = world.shot("a.png");
-    using Choice = std::pair<std::optional<Shelf>, std::optional<Shelf>>; // chosen, then kept
-    for (const auto& [chosen, manual] :
-         {Choice{Shelf::chats, Shelf::chats}, Choice{Shelf::bills, std::nullopt},
-          Choice{Shelf::code, Shelf::code}, Choice{std::nullopt, std::nullopt}}) {
-        model.setShelf(a, chosen);
-        EXPECT_EQ(model.library().find(a)->manual, manual);
-    }
 }
 
 TEST(AppModelTest, bannersKeepTheirFullTimeAndRevealsEndAfterThirtySeconds) {

@@ -126,7 +126,6 @@ class World {
     std::string shots() const { return tmp.file("Screenshots"); }
     std::string shot(const std::string& name) const { return shots() + "/" + name; }
     std::string archive() const { return tmp.file("Archive"); }
-    std::string vaultDir() const { return tmp.file("data/Locked"); }
     std::string trashFolder() const { return tmp.file("share/Trash/files"); }
 
     // A model, not yet loaded.
