@@ -1,7 +1,7 @@
 // The application model's scan cycle with the real reader on real folders, its settings,
-// folders, shelves and timers. (Places and blurring are covered by the self-check's clean run.)
+// folders, shelves and timers. (New, deleted, broken and unreadable files, places, blurring and
+// picking a shelf by hand or the guessed one are covered by the self-check's clean run.)
 #include "AppTestSupport.h"
-#include "support/ChildRun.h"
 
 #include <QCoreApplication>
 #include <mutex>
@@ -19,55 +19,28 @@ void scan(AppModel& model) {
     model.waitUntilIdle();
 }
 
-// (That a new picture is read, and a second scan reads nothing again: the self-check and
-// tests/integration/scan-list-search.sh.)
-TEST(AppModelTest, scanReadsWhatIsNewChangedOrOfAnOlderReaderAndForgetsWhatWent) {
+TEST(AppModelTest, scanReadsAgainWhatChangedOrAnOlderReaderReadAndKeepsTheShelfPickedByHand) {
     World world;
-    world.realReader = true;
-    test::drawPicture(world.shot("old.png"), {"Boarding Pass", "Gate 22  Seat 14C"});
-    test::writeFile(world.shot("broken.png"), "not an image");
-    Shot old = test::readShotOf(world.shot("old.png"), Shelf::bills, now());
-    old.reader = 0;            // read by an older reader: read again
-    old.manual = Shelf::other; // picked by hand: kept
+    test::drawPicture(world.shot("a.png"), {"Boarding Pass", "Gate 22  Seat 14C"});
+    Shot old = test::readShotOf(world.shot("a.png"), Shelf::bills, now());
+    old.reader = 0;
+    old.manual = Shelf::other;
     Library library;
     library.put(old);
     ASSERT_TRUE(library.save(world.tmp.file("data/library.plist")));
     AppModel& model = world.loaded();
+    const auto shot = [&] { return *model.library().find(world.shot("a.png")); };
     scan(model);
-    const auto shot = [&](const char* name) { return model.library().find(world.shot(name)); };
+    EXPECT_EQ(world.reads, 1);
+    EXPECT_EQ(shot().guess, Shelf::tickets);
+
+    test::drawPicture(world.shot("a.png"), {"TAX INVOICE", "Grand Total 2,016.00"}); // a new size
+    scan(model);
     EXPECT_EQ(world.reads, 2);
-    ASSERT_TRUE(shot("old.png") && shot("broken.png"));
-    EXPECT_EQ(shot("old.png")->reader, readerVersion);
-    EXPECT_EQ(shot("old.png")->guess, Shelf::tickets);
-    EXPECT_EQ(shot("old.png")->manual, Shelf::other);
-    EXPECT_TRUE(shot("broken.png")->failed);
-
-    // A file rewritten with a new size is read again; nothing else is, not even the broken file.
-    test::drawPicture(world.shot("old.png"), {"TAX INVOICE", "Grand Total 2,016.00"});
-    scan(model);
-    EXPECT_EQ(world.reads, 3);
-    EXPECT_NE(shot("old.png")->folded.find("2016"), std::string::npos);
-    EXPECT_EQ(shot("old.png")->guess, Shelf::bills);
-    EXPECT_EQ(shot("old.png")->manual, Shelf::other);
-
-    // A deleted file drops out, from the saved library too.
-    fs::remove(world.shot("old.png"));
-    scan(model);
-    EXPECT_EQ(shot("old.png"), nullptr);
-    model.saveNow();
-    EXPECT_EQ(Library::load(model.paths().libraryFile())->size(), 1u);
-}
-
-TEST(AppModelTest, aFolderThatCannotBeOpenedIsFlaggedAndItsShotsStay) {
-    if (!test::runsUnprivileged()) return;
-    World world;
-    AppModel& model = world.open({"a.png"});
-    for (const bool readable : {false, true}) {
-        fs::permissions(world.shots(), readable ? fs::perms::owner_all : fs::perms::none);
-        scan(model);
-        EXPECT_EQ(world.source(world.shots())->readable, readable);
-        EXPECT_NE(model.library().find(world.shot("a.png")), nullptr) << "its shots are kept";
-    }
+    EXPECT_EQ(shot().guess, Shelf::bills);
+    EXPECT_EQ(shot().manual, Shelf::other);
+    model.setShelf(world.shot("a.png"), std::nullopt); // no shelf: back to automatic
+    EXPECT_EQ(shot().manual, std::nullopt);
 }
 
 TEST(AppModelTest, readsAtMostThreeAtOnceAndSavesEveryTwentyFiveAndAtTheEnd) {
@@ -131,58 +104,33 @@ TEST(AppModelTest, aBurstOfFileEventsCausesOneRescanAfterTheQuiet) {
 }
 
 TEST(AppModelTest, settingsOfTheWrongTypeOrMissingTakeTheirDefaults) {
-    const std::pair<const char*, const char*> values[] = {
-        {"watchFolders", "false"}, {"blurPrivate", "false"}, {"lockAfterMinutes", "12"}};
     World world;
     for (const std::string given : {"set", "of the wrong type", "missing"}) {
         SCOPED_TRACE(given);
-        for (const auto& [key, value] : values)
-            world.settings.setValue(key, given == "set" ? value : "oops");
+        world.settings.setValue("watchFolders", given == "set" ? "false" : "oops");
+        world.settings.setValue("blurPrivate", given == "set" ? "false" : "oops");
+        world.settings.setValue("lockAfterMinutes", given == "set" ? "12" : "oops");
         if (given == "missing") world.settings.clear();
-        AppModel& model = world.make();
+        const AppModel& model = world.make();
         const bool defaults = given != "set";
-        EXPECT_EQ(model.watch(), defaults);
-        EXPECT_EQ(model.blurPrivate(), defaults);
-        EXPECT_EQ(model.lockAfterMinutes(), defaults ? 5 : 12);
+        EXPECT_EQ(std::tuple(model.watch(), model.blurPrivate(), model.lockAfterMinutes()),
+                  std::tuple(defaults, defaults, defaults ? 5 : 12));
     }
 }
 
 TEST(AppModelTest, sourcesListEachFolderOnceAndTheArchiveAlways) {
+    using Kind = Source::Kind;
     World world;
     AppModel& model = world.loaded();
-    fs::create_directories(world.tmp.file("Phone"));
-    model.addFolder(world.shots()); // the screenshot folder itself: no change
-    model.addFolder(world.tmp.file("Phone"));
-    model.addFolder(world.tmp.file("Phone") + "/"); // the same folder again
-    model.addFolder(world.archive());               // the archive as an added folder
+    const std::string phone = world.tmp.file("Phone");
+    fs::create_directories(phone);
+    // The screenshot folder itself, the same folder twice, and the archive as an added folder.
+    for (const std::string& folder : {world.shots(), phone, phone + "/", world.archive()})
+        model.addFolder(folder);
     model.waitUntilIdle();
-    EXPECT_EQ(model.library().extraFolders,
-              (std::vector<std::string>{world.tmp.file("Phone"), world.archive()}));
-    ASSERT_EQ(model.sources().size(), 3u);
-    EXPECT_EQ(model.sources()[2].kind, Source::Kind::added) << "an added archive is listed once";
-
-    // Removing the added archive leaves the archive itself, switched on.
-    model.setEnabled(model.sources()[2], false);
-    model.removeFolder(model.sources()[2]);
-    model.waitUntilIdle();
-    ASSERT_EQ(model.sources().size(), 3u);
-    EXPECT_EQ(model.sources()[2].kind, Source::Kind::archive);
-    EXPECT_TRUE(model.sources()[2].enabled);
-}
-
-TEST(AppModelTest, setShelfByHandAndBackToAutomatic) {
-    World world;
-    AppModel& model = world.open({"a.png"});
-    const std::string a = world.shot("a.png");
-    using Choice = std::pair<std::optional<Shelf>, std::optional<Shelf>>; // chosen, then kept
-    for (const auto& [chosen, manual] :
-         {Choice{Shelf::chats, Shelf::chats}, Choice{Shelf::bills, std::nullopt},
-          Choice{Shelf::code, Shelf::code}, Choice{std::nullopt, std::nullopt}}) {
-        model.setShelf(a, chosen);
-        EXPECT_EQ(model.library().find(a)->manual, manual);
-    }
-    model.setShelf(world.shot("missing.png"), Shelf::ids); // nothing there: nothing happens
-    EXPECT_EQ(model.library().size(), 1u);
+    EXPECT_EQ(model.sources(), (std::vector<Source>{{world.shots(), Kind::screenshots},
+                                                    {phone, Kind::added},
+                                                    {world.archive(), Kind::added}}));
 }
 
 TEST(AppModelTest, bannersKeepTheirFullTimeAndRevealsEndAfterThirtySeconds) {

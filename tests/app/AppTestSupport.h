@@ -11,7 +11,6 @@
 
 #include <QGuiApplication>
 #include <QPainter>
-#include <QPointer>
 #include <QSettings>
 #include <atomic>
 #include <filesystem>
@@ -32,20 +31,17 @@ inline void ensureQtApp() {
 // A scheduler whose clock only moves when the test says so.
 struct FakeScheduler : Scheduler {
     struct Entry : Timer {
-        Entry(std::function<void()> run, QObject* context)
-            : run(std::move(run)), context(context) {}
+        explicit Entry(std::function<void()> run) : run(std::move(run)) {}
         void cancel() override { cancelled = true; }
         std::function<void()> run;
-        QPointer<QObject> context;
         bool cancelled = false;
     };
     std::chrono::milliseconds now{0};
     std::multimap<std::chrono::milliseconds, std::shared_ptr<Entry>> entries; // by when due
 
-    std::shared_ptr<Timer> after(std::chrono::milliseconds delay, QObject* context,
+    std::shared_ptr<Timer> after(std::chrono::milliseconds delay, QObject*,
                                  std::function<void()> run) override {
-        return entries.emplace(now + delay, std::make_shared<Entry>(std::move(run), context))
-            ->second;
+        return entries.emplace(now + delay, std::make_shared<Entry>(std::move(run)))->second;
     }
 
     // Moves time on, running every call that falls due, in order.
@@ -55,7 +51,7 @@ struct FakeScheduler : Scheduler {
             const auto [due, entry] = *entries.begin();
             entries.erase(entries.begin());
             now = due;
-            if (!entry->cancelled && entry->context) entry->run();
+            if (!entry->cancelled) entry->run();
         }
         now = until;
     }
@@ -116,7 +112,8 @@ struct RefusingKey : VaultKeySource {
 using Question = std::tuple<std::string, std::string, std::string>;
 
 // A model over a temporary tree whose questions, owner check, key, Trash (the real one, in the
-// tree), clock, timers and reader the test holds. Folder watching is off unless a test turns it on.
+// tree), clock, timers and reader (the real one, counted) the test holds. Folder watching is off
+// unless a test turns it on.
 class World {
   public:
     World() {
@@ -126,16 +123,9 @@ class World {
         ::setenv("XDG_DATA_HOME", tmp.file("share").c_str(), 1); // a Trash of its own
     }
 
-    // The model's source at this path, if it has one.
-    const Source* source(const std::string& path) const {
-        for (const Source& s : model->sources())
-            if (s.path == path) return &s;
-        return nullptr;
-    }
     std::string shots() const { return tmp.file("Screenshots"); }
     std::string shot(const std::string& name) const { return shots() + "/" + name; }
     std::string archive() const { return tmp.file("Archive"); }
-    std::string vaultDir() const { return tmp.file("data/Locked"); }
     std::string trashFolder() const { return tmp.file("share/Trash/files"); }
 
     // A model, not yet loaded.
@@ -192,11 +182,9 @@ class World {
     std::shared_ptr<VaultKeySource> keys = std::make_shared<MemoryKey>(key);
     std::set<std::string> refused; // paths the Trash turns away
     std::atomic<int> reads{0};
-    bool realReader = false;
-    // Counts what is read; only the real reader finds words.
     AppModel::ReadFn read = [this](const std::string& path, const std::vector<std::string>& langs) {
         ++reads;
-        return realReader ? Reader::read(path, langs) : Reading{};
+        return Reader::read(path, langs);
     };
     std::unique_ptr<AppModel> model;
 };

@@ -33,25 +33,19 @@ PY
 
 "$lumivale" undo > "$home/undo.txt"
 grep -q "^Put 14 screenshots back" "$home/undo.txt" || { cat "$home/undo.txt"; exit 1; }
-[ "$(ls "$shots" | wc -l)" -eq 16 ]
 if "$lumivale" undo 2> "$home/undo2.err"; then echo "a second undo should find nothing"; exit 1; fi
 grep -q "nothing to undo" "$home/undo2.err"
 "$lumivale" undo --list | grep -q "Moved 14 screenshots  (undone)"
 
 # Clearing out: the hardware receipt (33.3 days) and the sunset (41 days) are the only read,
-# non-private fixtures older than 30 days; the passport (19.4 days) is private anyway.
-"$lumivale" clear --days 30 --dry-run --json > "$home/clear.json"
-"$py" - "$home/clear.json" "$home/fixtures.tsv" <<'PY'
-import json, sys
-got = {json.loads(l)["path"] for l in open(sys.argv[1])}
-want = {l.split("\t")[3].rstrip("\n") for l in open(sys.argv[2]) if l.split("\t")[0] in ("hardwareReceipt", "sunset")}
-assert got == want, (got, want)
-PY
+# non-private fixtures older than 30 days; the passport (19.4 days) is private anyway. Neither a
+# dry run nor an unconfirmed one puts anything in the Trash (and undo put all sixteen back).
+[ "$("$lumivale" clear --days 30 --dry-run --json | wc -l)" -eq 2 ]
 if "$lumivale" clear --days 30 < /dev/null > /dev/null 2>&1; then echo "clearing must not go ahead unconfirmed"; exit 1; fi
 [ "$(ls "$shots" | wc -l)" -eq 16 ]
 "$lumivale" clear --days 30 --yes > "$home/clear.txt"
 grep -q "^Put in the Trash: 2 screenshots" "$home/clear.txt" || { cat "$home/clear.txt"; exit 1; }
-[ "$(ls "$shots" | wc -l)" -eq 14 ]
-[ "$(ls "$XDG_DATA_HOME/Trash/files" | wc -l)" -eq 2 ]
+[ "$(ls "$XDG_DATA_HOME/Trash/files")" = "$(awk -F'\t' '$1 == "hardwareReceipt" || $1 == "sunset" {
+    n = split($4, path, "/"); print path[n] }' "$home/fixtures.tsv" | sort)" ]
 if "$lumivale" clear --days 45 --yes > /dev/null 2>&1; then echo "45 days is not one of the ages"; exit 1; fi
 echo "tidy, undo and clear: ok"
