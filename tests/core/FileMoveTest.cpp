@@ -95,16 +95,5 @@ TEST(FileMove, NeverReplacesAndAcrossFileSystemsMovesOnlyAWholeCopy) {
     }
 }
 
-TEST(FileMove, AcrossFileSystemsAnOriginalThatCannotBeRemovedKeepsNoCopy) {
-    ScratchMount source(ScratchMount::Where::ownMount, "size=1m");
-    if (!source.ok()) GTEST_SKIP() << source.why();
-    const std::string from = writeFile(source.file("shot.png"), "picture");
-    ASSERT_TRUE(source.makeReadOnly());
-    TempDir dir;
-    EXPECT_EQ(moveNoReplace(from, dir.file("shot.png")).code(), EROFS);
-    EXPECT_EQ(readFile(from), "picture");
-    EXPECT_EQ(test::namesIn(dir.str()).size(), 0u);
-}
-
 } // namespace
 } // namespace lumivale

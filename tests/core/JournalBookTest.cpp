@@ -3,13 +3,11 @@
 #include "support/HandmadePlist.h"
 #include "support/TempDir.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace lumivale {
 namespace {
 
-namespace fs = std::filesystem;
 using namespace std::chrono;
 using namespace test; // the hand-made files' builders
 
@@ -59,9 +57,7 @@ TEST(JournalBook, ADamagedBookLoadsEmpty) {
     const std::string sound = bookWith("kind", value("trashed"));
     const std::pair<const char*, std::optional<std::string>> cases[] = {
         {"no file", std::nullopt},
-        {"empty file", ""},
         {"truncated", sound.substr(0, sound.size() / 2)},
-        {"trailer garbled", sound.substr(0, sound.size() - 8) + std::string(8, '\xFF')},
         {"without undone", bookWith("undone", drop)},
         {"without id", bookWith("id", drop)},
         {"unknown kind", bookWith("kind", value("deleted"))},
@@ -76,8 +72,6 @@ TEST(JournalBook, ADamagedBookLoadsEmpty) {
         if (bytes) writeFile(file, *bytes);
         EXPECT_TRUE(JournalBook::load(file).entries.empty());
     }
-    fs::create_directories(dir.file("folder.plist"));
-    EXPECT_TRUE(JournalBook::load(dir.file("folder.plist")).entries.empty());
 
     Journal moved(day(1), Journal::Kind::moved, {{"/a.png", "/b.png"}});
     moved.id = "E621E1F8-C36C-495A-93FC-0C247A3E6E5F";

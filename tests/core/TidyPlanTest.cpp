@@ -82,7 +82,6 @@ TEST(TidyPlanning, FilesAReadShotUnderAFreeNameOrSaysWhyItStays) {
         std::string alsoOnDisk = "";
     } cases[] = {
         {shot("/a.png", bills), byShelf, "/a.png → Bills and receipts/a.png"},
-        {shot("/a.png", maps), byMonth, "/a.png → Maps and places/2026-10/a.png"},
         // The month and the day are the local ones.
         {shot("/a.png", ids, nearMidnightUtc), byMonth, "/a.png → IDs and documents/2026-11/a.png"},
         // The shelf the user chose wins.
@@ -101,7 +100,6 @@ TEST(TidyPlanning, FilesAReadShotUnderAFreeNameOrSaysWhyItStays) {
         {shot("/arch/Chats/" + chat), byShelf, "/arch/Chats/" + chat + inPlace, true},
         {shot("/arch/Chats/Chat – 2026-10-14 2.png"), byShelf,
          "/arch/Chats/Chat – 2026-10-14 2.png" + inPlace, true, "/arch/Chats/" + chat},
-        {shot("/" + chat), byShelf, "/" + chat + " → Chats/" + chat, true},
         {shot("/x.png", bills, oct14, true, std::nullopt,
               {"9:41", "100%", "LTE", "Back", "Invoice 12/03/2024 10:30"}),
          byShelf, "/x.png → Bills and receipts/Bill – Invoice 12-03-2024 10 30 – 2026-10-14.png",
