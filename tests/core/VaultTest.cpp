@@ -3,8 +3,6 @@
 // restoring real files.
 #include "core/Vault.h"
 
-#include "core/Plist.h"
-#include "core/ShotCodec.h"
 #include "core/Uuid.h"
 #include "support/ChildRun.h"
 #include "support/FailingWrite.h"
@@ -12,7 +10,6 @@
 #include "support/TempDir.h"
 
 #include <filesystem>
-#include <functional>
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
@@ -50,6 +47,11 @@ std::map<std::string, std::string> python(const std::string& arguments) {
         if (const auto eq = line.find('='); eq != std::string::npos)
             fields[line.substr(0, eq)] = line.substr(eq + 1);
     return fields;
+}
+
+// The kind of failure, or nothing on success.
+template <class T> std::optional<VaultError::Kind> failureOf(const VaultResult<T>& result) {
+    return result ? std::nullopt : std::optional(result.error().kind());
 }
 
 // A write that changes the last byte of what it is given: a disk that damages data.
@@ -93,7 +95,6 @@ TEST_F(VaultTest, aLockedFileOpensWithAnIndependentImplementation) {
     for (int i = 0; i < 2; ++i) {
         const auto result = vault.lock(shot, key, lockTime);
         ASSERT_TRUE(result) << result.error();
-        EXPECT_TRUE(isUuid(result->id));
         auto found = python("open " + hex(key) + " '" + vault.pathOf(result->id) + "'");
         // The magic, then a body of nonce, ciphertext as long as the plaintext, and tag.
         EXPECT_EQ(found["layout"], "True " + std::to_string(12 + bytes.size() + 16));
@@ -122,10 +123,7 @@ TEST_F(VaultTest, aFileSealedByAnIndependentWriterOpens) {
     EXPECT_EQ(header->id, id);
     EXPECT_NEAR(secondsSince1970(header->lockedAt), 1700000123.25, 1e-6);
     EXPECT_EQ(header->shot.path, "/home/me/Pictures/written-by-python.png");
-    EXPECT_EQ(header->shot.size, 777);
-    EXPECT_EQ(header->shot.flags, SensitiveKinds{SensitiveKind::cardNumber});
-    ASSERT_EQ(header->shot.lines.size(), 1u);
-    EXPECT_EQ(header->shot.lines[0].text, "Card 4111 1111 1111 1111");
+    EXPECT_EQ(header->shot.text(), "Card 4111 1111 1111 1111");
     EXPECT_EQ(vault.image(id, key).value(), bytes);
 }
 
@@ -141,27 +139,21 @@ TEST_F(VaultTest, brokenAndForeignFilesAreRefusedAndCountedUnreadable) {
     const std::string magic(Vault::magic);
     const uint32_t h = static_cast<uint32_t>(sound.size() - 21 - (12 + pictureBytes().size() + 16));
     const auto withH = [&](uint32_t length) { return magic + be32(length) + sound.substr(21); };
-    const auto flipped = [&](size_t at) {
-        std::string bad = sound;
-        bad[at] ^= 0x20;
-        return bad;
-    };
-    const std::optional<VaultError> opens, notAFile = VaultError::notAFile(),
-                                           cannotOpen = VaultError::cannotOpen();
+    std::string flipped = sound;
+    flipped[sound.size() - 100] ^= 0x20; // in the body
+    using enum VaultError::Kind;
+    const std::optional<VaultError::Kind> opens;
     const struct {
         const char* name;
         std::string bytes;
-        std::optional<VaultError> headerError, imageError; // nothing: it still opens
+        std::optional<VaultError::Kind> headerError, imageError; // nothing: it still opens
     } cases[] = {
-        {"empty", "", notAFile, notAFile},
         {"magic and H only (21 bytes)", magic + be32(1), notAFile, notAFile},
         {"H = 0", withH(0), notAFile, notAFile},
         {"H reaching the end", withH(sound.size() - 21), notAFile, notAFile},
-        {"H of 4 GiB", withH(0xffffffff), notAFile, notAFile},
         {"another magic", "LUMIVALE-VAULT-2\n" + sound.substr(17), notAFile, notAFile},
         {"sealed under another key", readFile(vault.pathOf(foreign->id)), cannotOpen, cannotOpen},
-        {"a flipped byte in the body", flipped(sound.size() - 100), opens, cannotOpen},
-        {"a flipped byte in the header", flipped(30), cannotOpen, opens},
+        {"a flipped byte in the body", flipped, opens, cannotOpen},
         {"header too short to hold a box", magic + be32(5) + "abcde" + sound.substr(21), cannotOpen,
          cannotOpen},
         {"body of one byte", sound.substr(0, 21 + h) + "x", opens, cannotOpen},
@@ -173,12 +165,8 @@ TEST_F(VaultTest, brokenAndForeignFilesAreRefusedAndCountedUnreadable) {
         const std::string id = newUuid();
         writeFile(broken.pathOf(id), c.bytes);
 
-        const auto header = broken.header(broken.pathOf(id), key);
-        EXPECT_EQ(header ? std::nullopt : std::optional(header.error()), c.headerError);
-        const auto image = broken.image(id, key);
-        EXPECT_EQ(image ? std::nullopt : std::optional(image.error()), c.imageError);
-        EXPECT_FALSE(broken.restore(id, folder.file("restored"), key));
-        EXPECT_FALSE(fs::exists(folder.file("restored")));
+        EXPECT_EQ(failureOf(broken.header(broken.pathOf(id), key)), c.headerError);
+        EXPECT_EQ(failureOf(broken.image(id, key)), c.imageError);
         const auto listing = broken.list(key);
         EXPECT_EQ(listing.unreadable, c.headerError ? 1 : 0);
         EXPECT_EQ(listing.items.size(), c.headerError ? 0u : 1u);
@@ -187,136 +175,72 @@ TEST_F(VaultTest, brokenAndForeignFilesAreRefusedAndCountedUnreadable) {
 
 // Listing newest first is the application model's test to make.
 TEST_F(VaultTest, onlyFilesEndingInLowerCaseLvlockCount) {
-    const Vault missing(home.file("nowhere"));
-    EXPECT_EQ(missing.count(), 0);
-    EXPECT_TRUE(missing.list(key).items.empty());
+    EXPECT_EQ(Vault(home.file("nowhere")).count(), 0);
+    EXPECT_TRUE(Vault(home.file("nowhere")).list(key).items.empty());
     const std::string sound = readFile(vault.pathOf(locked("copied.png").id));
     for (const char* name : {"A.LVLOCK", "B.Lvlock", "C.lvlock.bak", "lvlock", ".lvlock",
                              "E.lvlock~", "F.lvlock.XXXXXX"})
         writeFile(lockedFolder + "/" + name, sound);
     EXPECT_EQ(vault.count(), 1);
-    const auto listing = vault.list(key);
-    EXPECT_EQ(listing.unreadable, 0);
-    ASSERT_EQ(listing.items.size(), 1u);
-    EXPECT_EQ(listing.items[0].shot.name(), "copied.png");
+    EXPECT_EQ(vault.list(key).items.size(), 1u);
 }
 
 TEST_F(VaultTest, aFailedLockLeavesNothingBehindAndTheOriginalUntouched) {
-    if (!test::runsUnprivileged()) return;
     using enum VaultError::Kind;
-    const auto leaveAlone = [](const std::string&) {};
     const struct {
         const char* name;
-        std::function<void(const std::string& path)> spoil; // done to the picture first
         WriteCall write;
         VaultError::Kind expected;
     } cases[] = {
-        {"missing", [](const std::string& p) { fs::remove(p); }, systemWrite, cannotRead},
-        {"pipe", [](const std::string& p) { fs::remove(p), mkfifo(p.c_str(), 0600); }, systemWrite,
-         cannotRead},
-        {"may not be read", [](const std::string& p) { fs::permissions(p, fs::perms::none); },
-         systemWrite, cannotRead},
-        {"the written copy does not check out", leaveAlone, damagingWrite, verifyFailed},
-        {"the disk is full", leaveAlone, test::failingAfter(0), io},
+        {"missing", systemWrite, cannotRead},
+        {"the written copy does not check out", damagingWrite, verifyFailed},
+        {"the disk is full", test::failingAfter(0), io},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         const Shot shot = picture(std::string(c.name) + ".png");
-        c.spoil(shot.path);
-        const auto result = vault.lock(shot, key, lockTime, c.write);
-        ASSERT_FALSE(result);
-        EXPECT_EQ(result.error().kind(), c.expected);
+        if (c.expected == cannotRead) fs::remove(shot.path);
+        EXPECT_EQ(failureOf(vault.lock(shot, key, lockTime, c.write)), c.expected);
         EXPECT_TRUE(test::namesIn(lockedFolder).empty()) << "no locked or temporary file";
-        if (c.expected != cannotRead) {
-            EXPECT_EQ(readFile(shot.path), pictureBytes()) << "the original stays";
-        }
+        EXPECT_EQ(readFile(shot.path), c.expected == cannotRead ? "" : pictureBytes());
     }
 }
 
+// A restore into a folder that holds the name already: the application model's tests.
 TEST_F(VaultTest, restoreWritesThePictureBackWithItsDateOrKeepsTheLockedFile) {
-    enum class How { restores, nameTaken, damagingDisk, otherKey, idFromElsewhere, unknownId };
-    using enum How;
-    using enum VaultError::Kind;
-    const struct {
-        const char* name;
-        How how;
-        std::optional<VaultError::Kind> error;
-    } cases[] = {
-        {"into a folder it makes", restores, std::nullopt},
-        {"the name is taken", nameTaken, io},
-        {"the restored copy does not check out", damagingDisk, verifyFailed},
-        {"another key", otherKey, cannotOpen},
-        {"an id from elsewhere", idFromElsewhere, notAFile},
-        {"an unknown id", unknownId, io},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        const TempDir dir;
-        const std::string folder = dir.file("Restored/nested"), file = folder + "/taken.png";
-        const LockedShot item = locked("taken.png");
-        fs::remove(item.shot.path);
-        if (c.how == nameTaken) writeFile(file, "someone else's");
-        const std::string id = c.how == idFromElsewhere ? "../x"
-                               : c.how == unknownId     ? newUuid()
-                                                        : item.id;
-        const auto restored =
-            vault.restore(id, folder, c.how == otherKey ? VaultKey::random() : key,
-                          c.how == damagingDisk ? damagingWrite : systemWrite);
-        if (!c.error) {
-            ASSERT_TRUE(restored) << restored.error();
-            EXPECT_EQ(restored.value(), file);
-            struct stat st {};
-            ASSERT_EQ(stat(file.c_str(), &st), 0);
-            EXPECT_NEAR(st.st_mtim.tv_sec + st.st_mtim.tv_nsec / 1e9,
-                        secondsSince1970(item.shot.modified), 1e-5);
-            EXPECT_EQ(readFile(file), pictureBytes());
-            EXPECT_TRUE(test::namesIn(lockedFolder).empty()) << "the locked file is gone";
-            continue;
-        }
-        ASSERT_FALSE(restored);
-        EXPECT_EQ(restored.error().kind(), *c.error);
-        EXPECT_EQ(test::namesIn(folder).size(), c.how == nameTaken ? 1u : 0u);
-        EXPECT_EQ(readFile(file), c.how == nameTaken ? "someone else's" : "");
-        EXPECT_TRUE(vault.image(item.id, key)) << "the locked file stays";
-        fs::remove(vault.pathOf(item.id));
-    }
+    const LockedShot item = locked("taken.png");
+    const std::string folder = home.file("Restored/nested"), file = folder + "/taken.png";
+    EXPECT_EQ(failureOf(vault.restore(item.id, folder, key, damagingWrite)),
+              VaultError::Kind::verifyFailed);
+    EXPECT_TRUE(test::namesIn(folder).empty());
+    EXPECT_TRUE(vault.image(item.id, key)) << "the locked file stays";
+
+    const auto restored = vault.restore(item.id, folder, key);
+    ASSERT_TRUE(restored) << restored.error();
+    EXPECT_EQ(restored.value(), file);
+    EXPECT_EQ(readFile(file), pictureBytes());
+    struct stat st {};
+    ASSERT_EQ(stat(file.c_str(), &st), 0);
+    EXPECT_NEAR(st.st_mtim.tv_sec + st.st_mtim.tv_nsec / 1e9, secondsSince1970(item.shot.modified),
+                1e-5);
+    EXPECT_TRUE(test::namesIn(lockedFolder).empty()) << "the locked file is gone";
 }
 
 // Handing the file on and passing the disposer's failure on: the application model's tests.
-TEST_F(VaultTest, discardHandsOnNoFileOutsideTheFolder) {
-    for (const char* id : {"../../etc/passwd", "..", ""}) {
+TEST_F(VaultTest, anIdReachesNoFileOutsideTheFolder) {
+    const auto outside = Vault(home.file("data")).lock(picture("outside.png"), key, lockTime);
+    ASSERT_TRUE(outside);
+    fs::create_directories(lockedFolder); // so that "Locked/.." leads somewhere
+    for (const std::string& id : {"../" + outside->id, std::string(".."), std::string()}) {
         SCOPED_TRACE(id);
+        EXPECT_FALSE(vault.image(id, key));
+        EXPECT_FALSE(vault.restore(id, home.file("out"), key));
         EXPECT_FALSE(vault.discard(id, [](const std::string& path) {
             ADD_FAILURE() << path;
             return Status::ok();
         }));
     }
-}
-
-TEST_F(VaultTest, aHeaderNeedsAllThreeKeysOfTheRightType) {
-    const Shot shot = picture("a.png");
-    const auto decodes = [](const std::string& s) {
-        return decodeLockedShot({reinterpret_cast<const uint8_t*>(s.data()), s.size()}).has_value();
-    };
-    for (const std::string left : {"", "id", "shot", "lockedAt", "id as a number"}) {
-        SCOPED_TRACE(left);
-        plist::Writer w;
-        std::vector<std::pair<plist::Ref, plist::Ref>> entries;
-        if (left != "id")
-            entries.emplace_back(w.key("id"),
-                                 left == "id as a number" ? w.integer(7) : w.string(newUuid()));
-        if (left != "shot") entries.emplace_back(w.key("shot"), writeShot(w, shot));
-        if (left != "lockedAt") entries.emplace_back(w.key("lockedAt"), w.date(lockTime));
-        EXPECT_EQ(decodes(w.finish(w.dict(entries))), left.empty());
-    }
-    EXPECT_FALSE(decodes("not a property list"));
-}
-
-TEST(VaultKeyTest, neverShowsItsBytes) {
-    const VaultKey key = VaultKey::random();
-    std::ostringstream shown;
-    shown << key;
-    EXPECT_EQ(shown.str().find(hex(key)), std::string::npos) << shown.str();
+    EXPECT_FALSE(fs::exists(home.file("out")));
 }
 
 } // namespace

@@ -1,9 +1,7 @@
-"""An independent reader and writer of locked files, for the vault's tests: the magic, the sealed
+"""An independent reader and writer of locked files for the vault's tests: the magic, the sealed
 header's length (4 bytes, big-endian), the sealed header (a binary property list), the sealed
 body; each sealed part AES-256-GCM as nonce (12) || ciphertext || tag (16).
-
-    vaultfile.py open KEYHEX FILE                              prints "name=value" lines
-    vaultfile.py seal KEYHEX FILE PICTURE ID SHOTPATH LOCKEDAT   writes a locked file
+Usage: open KEYHEX FILE (prints "name=value" lines) | seal KEYHEX FILE PICTURE ID SHOTPATH LOCKEDAT
 """
 
 import datetime
