@@ -55,7 +55,6 @@ struct TrashOutcome {
     std::optional<std::string> place;
 
     static TrashOutcome landedAt(std::string place) { return {Status::ok(), std::move(place)}; }
-    static TrashOutcome placeUnknown() { return {Status::ok(), std::nullopt}; }
     static TrashOutcome failure(std::string message) {
         return {Status::failure(std::move(message)), std::nullopt};
     }
