@@ -191,8 +191,7 @@ TEST(PlistTest, OpenRejectsUnsoundHeadersAndTrailers) {
     }
 }
 
-// An unsound object, or one whose offset lies outside the object area, fails only its own
-// reading: the file opens and the object before it reads.
+// An unsound object fails only its own reading: the file opens and the object before it reads.
 TEST(PlistTest, AccessorsRejectUnsoundObjects) {
     const std::string e7 = raw({0, 0, 0, 0, 0, 0, 0}); // seven zero bytes
     // Object 0 is a sound string; object 1 is the one under test, the last in the object area.
@@ -223,22 +222,14 @@ TEST(PlistTest, AccessorsRejectUnsoundObjects) {
         {"dict value beyond the objects", raw({0xD1, 0, 9})},
         {"dict of 2^62 entries", raw({0xDF, 0x13, 0x40}) + e7 + raw({0, 0})},
     };
-    const auto expectOnlyTheSecondUnreadable = [](const std::string& file) {
+    for (const auto& [name, object] : cases) {
+        SCOPED_TRACE(name);
+        const std::string file = assemble({raw({0x51, 'k'}), object});
         const auto doc = Document::open(spanOf(file));
         ASSERT_TRUE(doc);
         EXPECT_EQ(doc->string(0), "k");
         EXPECT_EQ(readableAs(*doc, 1), "");
         EXPECT_EQ(readableAs(*doc, 2), "") << "no such object";
-    };
-    for (const auto& [name, object] : cases) {
-        SCOPED_TRACE(name);
-        expectOnlyTheSecondUnreadable(assemble({raw({0x51, 'k'}), object}));
-    }
-    for (int offset : {0, 7, 12, 13, 200}) { // header, header, offset table, table, beyond
-        SCOPED_TRACE(offset);
-        std::string file = assemble({raw({0x51, 'k'}), raw({0x10, 5})});
-        file[13] = static_cast<char>(offset); // the second offset
-        expectOnlyTheSecondUnreadable(file);
     }
 }
 
