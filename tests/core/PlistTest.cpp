@@ -129,25 +129,6 @@ void patch(std::string& file, long at, uint64_t value, size_t n) {
         file[start + i] = static_cast<char>(value >> (8 * (n - 1 - i)));
 }
 
-// A property list put together byte by byte, with object 0 at its top, so tests can make files
-// the writer never would.
-std::string assemble(const std::vector<std::string>& objects, int refSize = 1, int offsetSize = 1) {
-    std::string file = "bplist00", table;
-    for (const std::string& object : objects) {
-        table.append(offsetSize, '\0');
-        patch(table, -offsetSize, file.size(), offsetSize);
-        file += object;
-    }
-    const uint64_t tableStart = file.size();
-    file += table + std::string(6, '\0');
-    file += static_cast<char>(offsetSize);
-    file += static_cast<char>(refSize);
-    file.append(24, '\0');
-    patch(file, -24, objects.size(), 8);
-    patch(file, -8, tableStart, 8);
-    return file;
-}
-
 std::string raw(std::initializer_list<int> bytes) {
     std::string s;
     for (int b : bytes)
@@ -155,15 +136,25 @@ std::string raw(std::initializer_list<int> bytes) {
     return s;
 }
 
+// A small property list put together byte by byte (refs and offsets of one byte), with object 0
+// at its top, so tests can make files the writer never would.
+std::string assemble(const std::vector<std::string>& objects) {
+    std::string file = "bplist00", table;
+    for (const std::string& object : objects) {
+        table += static_cast<char>(file.size());
+        file += object;
+    }
+    const uint64_t tableStart = file.size();
+    file += table + std::string(6, '\0') + raw({1, 1}) + std::string(24, '\0');
+    patch(file, -24, objects.size(), 8);
+    patch(file, -8, tableStart, 8);
+    return file;
+}
+
 TEST(PlistTest, OpenRejectsUnsoundHeadersAndTrailers) {
     // Three objects: an array of two refs, an integer and a string.
     const std::string sound = assemble({raw({0xA2, 1, 2}), raw({0x10, 5}), raw({0x51, 'x'})});
     ASSERT_TRUE(Document::open(spanOf(sound)));
-    std::vector<std::string> many; // 300 objects need refs of two bytes
-    for (int i = 0; i < 300; ++i)
-        many.push_back(raw({0x10, i & 0xFF}));
-    EXPECT_FALSE(Document::open(spanOf(assemble(many, 1, 2))));
-    EXPECT_TRUE(Document::open(spanOf(assemble(many, 2, 2))));
 
     // Trailer fields, counted from the end: offset size -26, ref size -25, object count -24, root
     // -16, offset table start -8. (Files cut short at every length are the library file's cases.)
