@@ -7,6 +7,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
+#include <map>
 
 using namespace lumivale;
 using namespace lumivale::plist;
@@ -34,52 +35,55 @@ std::string readableAs(const Document& doc, Ref ref) {
 using test::expectSameLeaf;
 using test::leafOf;
 
-TEST(PlistTest, ValuesRoundTripAndGoBothWaysWithPlistlib) {
+TEST(PlistTest, ValuesGoBothWaysWithPlistlib) {
     Writer writer;
     std::vector<Ref> refs;
-    std::vector<std::pair<test::Leaf, std::string>> want; // the value and who may read it
-    const auto add = [&](Ref r, test::Leaf leaf, const char* readers) {
+    std::vector<test::Leaf> want;
+    const auto add = [&](Ref r, test::Leaf leaf) {
         refs.push_back(r);
-        want.push_back({std::move(leaf), readers});
+        want.push_back(std::move(leaf));
     };
     for (int64_t v : std::initializer_list<int64_t>{0, 255, 256, 65536, 0xFFFFFFFF, 1LL << 32,
                                                     INT64_MAX, -1, INT64_MIN})
-        add(writer.integer(v), {"int", std::to_string(v)}, "i");
+        add(writer.integer(v), {"int", std::to_string(v)});
     // Lengths of 14 (the longest in the marker), 15, 300 and 70000 (four bytes); UTF-16 with
     // surrogate pairs.
     for (const std::string& v :
          {std::string(), std::string("fourteen chars"), std::string("fifteen chars!!"),
           std::string(300, 'x'), std::string("snow ☃ नमस्ते and 😀 𝄞"), std::string("nul\0inside", 10),
           std::string(70000, 'y') + "é"})
-        add(writer.string(v), {"str", test::hexOf(v)}, "sv");
+        add(writer.string(v), {"str", test::hexOf(v)});
     // Bytes that are not UTF-8: cut, a surrogate, overlong, beyond U+10FFFF.
     for (const auto& [in, out] : {std::pair{"a\xff-b cut \xc3", "a\uFFFD-b cut \uFFFD"},
                                   {"\xed\xa0\x80 \xc0\xaf", "\uFFFD\uFFFD\uFFFD \uFFFD\uFFFD"},
                                   {"\xf4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"}})
-        add(writer.string(in), {"str", test::hexOf(out)}, "sv");
+        add(writer.string(in), {"str", test::hexOf(out)});
     // No 0.0 beside -0.0: plistlib would write the two as one.
     for (double v : {-0.0, 1.5, -1e308, 5e-324, 1.0 / 3, std::numeric_limits<double>::infinity(),
                      std::nan("")}) {
         char hex[32];
         std::snprintf(hex, sizeof hex, "%a", v);
-        add(writer.real(v), {"float", hex}, "r");
+        add(writer.real(v), {"float", hex});
     }
+    // plistlib reads the ends of our range to within a microsecond.
     for (Date v : {Date(seconds(978307200)), Date(seconds(0)),
                    Date(sys_days(2024y / March / 5)) + 37872345678us,
-                   Date(sys_days(1931y / December / 24)) + 1234567us})
-        add(writer.date(v), {"date", std::to_string(microsOf(v))}, "t");
+                   Date(sys_days(1931y / December / 24)) + 1234567us, Date::min(), Date::max()})
+        add(writer.date(v), {"date", std::to_string(microsOf(v))});
     const Date july = Date(sys_days(2025y / July / 1));
-    add(writer.date(july + 123456789ns), {"date", std::to_string(microsOf(july + 123457us))}, "t");
-    add(writer.boolean(false), {"bool", "false"}, "b");
-    add(writer.boolean(true), {"bool", "true"}, "b");
+    add(writer.date(july + 123456789ns), {"date", std::to_string(microsOf(july + 123457us))});
+    add(writer.boolean(false), {"bool", "false"});
+    add(writer.boolean(true), {"bool", "true"});
     std::string blob(300, '\0');
     for (size_t i = 0; i < blob.size(); ++i)
         blob[i] = static_cast<char>(i * 7);
-    add(writer.data(spanOf(blob)), {"data", test::hexOf(blob)}, "d");
+    add(writer.data(spanOf(blob)), {"data", test::hexOf(blob)});
 
-    const std::string bytes = writer.finish(writer.array(refs));
     const test::TempDir dir;
-    const std::string ours = test::writeFile(dir.file("ours.plist"), bytes);
+    const std::string ours =
+        test::writeFile(dir.file("ours.plist"), writer.finish(writer.array(refs)));
+    const auto leaves = test::readWithPlistlib(ours);
+    ASSERT_TRUE(leaves);
     // plistlib writes the values again its own way, then values beyond what ours can hold and
     // enough objects to need refs and offsets of two bytes.
     ASSERT_TRUE(test::rewriteWithPlistlib(ours, dir.file("theirs.plist"),
@@ -87,35 +91,25 @@ TEST(PlistTest, ValuesRoundTripAndGoBothWaysWithPlistlib) {
                                           "datetime.datetime(9999, 12, 31)] + "
                                           "[str(i) for i in range(300)]"));
     // 2^63 is no 64-bit integer; dates beyond our range are clamped to its ends.
-    want.push_back({{"unreadable", ""}, ""});
-    want.push_back({{"date", std::to_string(microsOf(Date::min()))}, "t"});
-    want.push_back({{"date", std::to_string(microsOf(Date::max()))}, "t"});
+    want.push_back({"unreadable", ""});
+    want.push_back({"date", std::to_string(microsOf(Date::min()))});
+    want.push_back({"date", std::to_string(microsOf(Date::max()))});
     for (int i = 0; i < 300; ++i)
-        want.push_back({{"str", test::hexOf(std::to_string(i))}, "sv"});
+        want.push_back({"str", test::hexOf(std::to_string(i))});
     const std::string theirBytes = test::readFile(dir.file("theirs.plist"));
-    const auto leaves = test::readWithPlistlib(ours);
-    const auto doc = Document::open(spanOf(bytes)), theirs = Document::open(spanOf(theirBytes));
-    ASSERT_TRUE(doc && theirs && leaves);
-    const auto back = doc->array(doc->root()), again = theirs->array(theirs->root());
-    ASSERT_TRUE(back && back->size() == refs.size() && again && again->size() == want.size());
+    const auto theirs = Document::open(spanOf(theirBytes));
+    ASSERT_TRUE(theirs);
+    const auto back = theirs->array(theirs->root());
+    ASSERT_TRUE(back && back->size() == want.size());
+    const std::map<std::string, std::string> readers = {
+        {"int", "i"},  {"str", "sv"}, {"float", "r"},    {"date", "t"},
+        {"bool", "b"}, {"data", "d"}, {"unreadable", ""}};
     for (size_t i = 0; i < want.size(); ++i) {
         SCOPED_TRACE(i);
-        expectSameLeaf(leafOf(*theirs, (*again)[i]), want[i].first);
-        EXPECT_EQ(readableAs(*theirs, (*again)[i]), want[i].second) << "no other accessor reads it";
-        if (i >= refs.size()) continue;
-        expectSameLeaf(leafOf(*doc, (*back)[i]), want[i].first);
-        EXPECT_EQ(readableAs(*doc, (*back)[i]), want[i].second);
-        expectSameLeaf(leaves->at("|" + std::to_string(i)), want[i].first);
-    }
-}
-
-TEST(PlistTest, DatesKeepTheEndsOfTheirRange) {
-    for (const Date d : {Date::min(), Date::max()}) {
-        Writer writer;
-        const std::string file = writer.finish(writer.date(d));
-        const auto doc = Document::open(spanOf(file));
-        ASSERT_TRUE(doc && doc->date(0));
-        EXPECT_LE(abs(*doc->date(0) - d), 1us);
+        if (i < refs.size()) expectSameLeaf(leaves->at("|" + std::to_string(i)), want[i], 1us);
+        expectSameLeaf(leafOf(*theirs, (*back)[i]), want[i]);
+        EXPECT_EQ(readableAs(*theirs, (*back)[i]), readers.at(want[i].type))
+            << "no other accessor reads it";
     }
 }
 
@@ -124,15 +118,8 @@ TEST(PlistTest, KeysNumbersAndBooleansAreWrittenOnce) {
     EXPECT_EQ(writer.key("k"), writer.key("k"));
     EXPECT_NE(writer.key("k"), writer.key("K"));
     EXPECT_EQ(writer.boolean(false), writer.boolean(false));
+    EXPECT_EQ(writer.integer(7), writer.integer(7));
     EXPECT_NE(writer.real(0.0), writer.real(-0.0));
-    // Enough distinct numbers to make the tables of known numbers grow several times (a large
-    // library file reads them back).
-    const auto number = [&](int i) { return i % 2 ? writer.real(i / 7.0) : writer.integer(i); };
-    std::vector<Ref> refs;
-    for (int i = 0; i < 6000; ++i)
-        refs.push_back(number(i));
-    for (int i = 0; i < 6000; ++i)
-        ASSERT_EQ(number(i), refs[i]) << i;
 }
 
 // Writes `value` big-endian into the `n` bytes of `file` at `at` (from the end when negative).
@@ -142,25 +129,6 @@ void patch(std::string& file, long at, uint64_t value, size_t n) {
         file[start + i] = static_cast<char>(value >> (8 * (n - 1 - i)));
 }
 
-// A property list put together byte by byte, with object 0 at its top, so tests can make files
-// the writer never would.
-std::string assemble(const std::vector<std::string>& objects, int refSize = 1, int offsetSize = 1) {
-    std::string file = "bplist00", table;
-    for (const std::string& object : objects) {
-        table.append(offsetSize, '\0');
-        patch(table, -offsetSize, file.size(), offsetSize);
-        file += object;
-    }
-    const uint64_t tableStart = file.size();
-    file += table + std::string(6, '\0');
-    file += static_cast<char>(offsetSize);
-    file += static_cast<char>(refSize);
-    file.append(24, '\0');
-    patch(file, -24, objects.size(), 8);
-    patch(file, -8, tableStart, 8);
-    return file;
-}
-
 std::string raw(std::initializer_list<int> bytes) {
     std::string s;
     for (int b : bytes)
@@ -168,15 +136,25 @@ std::string raw(std::initializer_list<int> bytes) {
     return s;
 }
 
+// A small property list put together byte by byte (refs and offsets of one byte), with object 0
+// at its top, so tests can make files the writer never would.
+std::string assemble(const std::vector<std::string>& objects) {
+    std::string file = "bplist00", table;
+    for (const std::string& object : objects) {
+        table += static_cast<char>(file.size());
+        file += object;
+    }
+    const uint64_t tableStart = file.size();
+    file += table + std::string(6, '\0') + raw({1, 1}) + std::string(24, '\0');
+    patch(file, -24, objects.size(), 8);
+    patch(file, -8, tableStart, 8);
+    return file;
+}
+
 TEST(PlistTest, OpenRejectsUnsoundHeadersAndTrailers) {
     // Three objects: an array of two refs, an integer and a string.
     const std::string sound = assemble({raw({0xA2, 1, 2}), raw({0x10, 5}), raw({0x51, 'x'})});
     ASSERT_TRUE(Document::open(spanOf(sound)));
-    std::vector<std::string> many; // 300 objects need refs of two bytes
-    for (int i = 0; i < 300; ++i)
-        many.push_back(raw({0x10, i & 0xFF}));
-    EXPECT_FALSE(Document::open(spanOf(assemble(many, 1, 2))));
-    EXPECT_TRUE(Document::open(spanOf(assemble(many, 2, 2))));
 
     // Trailer fields, counted from the end: offset size -26, ref size -25, object count -24, root
     // -16, offset table start -8. (Files cut short at every length are the library file's cases.)
@@ -207,8 +185,7 @@ TEST(PlistTest, OpenRejectsUnsoundHeadersAndTrailers) {
     }
 }
 
-// An unsound object, or one whose offset lies outside the object area, fails only its own
-// reading: the file opens and the object before it reads.
+// An unsound object fails only its own reading: the file opens and the object before it reads.
 TEST(PlistTest, AccessorsRejectUnsoundObjects) {
     const std::string e7 = raw({0, 0, 0, 0, 0, 0, 0}); // seven zero bytes
     // Object 0 is a sound string; object 1 is the one under test, the last in the object area.
@@ -239,22 +216,14 @@ TEST(PlistTest, AccessorsRejectUnsoundObjects) {
         {"dict value beyond the objects", raw({0xD1, 0, 9})},
         {"dict of 2^62 entries", raw({0xDF, 0x13, 0x40}) + e7 + raw({0, 0})},
     };
-    const auto expectOnlyTheSecondUnreadable = [](const std::string& file) {
+    for (const auto& [name, object] : cases) {
+        SCOPED_TRACE(name);
+        const std::string file = assemble({raw({0x51, 'k'}), object});
         const auto doc = Document::open(spanOf(file));
         ASSERT_TRUE(doc);
         EXPECT_EQ(doc->string(0), "k");
         EXPECT_EQ(readableAs(*doc, 1), "");
         EXPECT_EQ(readableAs(*doc, 2), "") << "no such object";
-    };
-    for (const auto& [name, object] : cases) {
-        SCOPED_TRACE(name);
-        expectOnlyTheSecondUnreadable(assemble({raw({0x51, 'k'}), object}));
-    }
-    for (int offset : {0, 7, 12, 13, 200}) { // header, header, offset table, table, beyond
-        SCOPED_TRACE(offset);
-        std::string file = assemble({raw({0x51, 'k'}), raw({0x10, 5})});
-        file[13] = static_cast<char>(offset); // the second offset
-        expectOnlyTheSecondUnreadable(file);
     }
 }
 

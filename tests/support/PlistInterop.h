@@ -38,29 +38,23 @@ struct Leaf {
 inline std::optional<std::map<std::string, Leaf>> readWithPlistlib(const std::string& file) {
     static const char* script = R"(
 import datetime, plistlib, sys
-def leaf(v):
-    if isinstance(v, bool):
-        return "bool", str(v).lower()
-    if isinstance(v, int):
-        return "int", v
-    if isinstance(v, float):
-        return "float", v.hex()
-    if isinstance(v, str):
-        return "str", v.encode().hex()
-    if isinstance(v, bytes):
-        return "data", v.hex()
-    return "date", (v - datetime.datetime(1970, 1, 1)) // datetime.timedelta(microseconds=1)
+epoch, micro = datetime.datetime(1970, 1, 1), datetime.timedelta(microseconds=1)
+kinds = [(bool, "bool", lambda v: str(v).lower()), (int, "int", str), (float, "float", float.hex),
+         (str, "str", lambda v: v.encode().hex()), (bytes, "data", bytes.hex),
+         (datetime.datetime, "date", lambda v: (v - epoch) // micro)]
 def walk(path, v):
     if isinstance(v, dict):
-        print(f"{path}\tdict\t{','.join(sorted(v))}")
-        for k, x in v.items():
-            walk(f"{path}|{k}", x)
+        print(path, "dict", ",".join(sorted(v)), sep="\t")
+        children = v.items()
     elif isinstance(v, list):
-        print(f"{path}\tarray\t{len(v)}")
-        for i, x in enumerate(v):
-            walk(f"{path}|{i}", x)
+        print(path, "array", len(v), sep="\t")
+        children = enumerate(v)
     else:
-        print(path, *leaf(v), sep="\t")
+        kind, show = next((k, f) for t, k, f in kinds if isinstance(v, t))
+        print(path, kind, show(v), sep="\t")
+        children = []
+    for k, x in children:
+        walk(f"{path}|{k}", x)
 with open(sys.argv[1], "rb") as f:
     walk("", plistlib.load(f))
 )";
