@@ -61,7 +61,6 @@ TEST(Sorter, ScoresKeywordsLayoutAndBarcodes) {
         {"eta inside beta", {"Beta version directions"}, {}, maps, 4},
         {"eta on its own", {"ETA 5:10 directions"}, {}, maps, 6},
         {"a keyword counts once", {"invoice invoice", "INVOICE"}, {}, bills, 4},
-        {"to weighs nothing", {"to to to"}, {}, bills, 0},
         {"across lines and marks", {"Tax —", "Invoice"}, {}, bills, 4 + 4 + 1},
         {"a curly apostrophe parts words", {"Driver’s License"}, {}, ids, 5},
         {"accents and width", {"ＲＥＣＥＩＰＴ", "Café Total"}, {}, bills, 4 + 2},
