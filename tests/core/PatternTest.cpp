@@ -1,5 +1,6 @@
 #include "core/Pattern.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <string>
 #include <thread>
@@ -46,11 +47,8 @@ TEST(Pattern, FindsExactlyTheseTexts) {
         {Pattern::timeStamp(),
          {"[21:05 ✓✓]", "[10.30 pm]", "[7:05 a.m.]", "see you[ 9:41]", "9:41 Wed", "24:00",
           "at9:41"}},
-        {Pattern::identifier(),
-         {"let [userName] = [max_count]", "HelloWorld", "item2Count", "[fooBar2] [x_1]"}},
         // Digits of every script are \d, and matches come back as whole UTF-8 characters.
         {Pattern(R"(\d+)"), {"₹[१२३] and [٤٥], [6]"}},
-        {Pattern("aa"), {"[aa][aa]a"}}, // matches do not overlap
     };
     for (const auto& c : cases)
         for (const std::string& marked : c.marked) {
@@ -58,37 +56,22 @@ TEST(Pattern, FindsExactlyTheseTexts) {
             const auto [text, expected] = unmark(marked);
             EXPECT_EQ(c.pattern.matches(text), expected);
             EXPECT_EQ(c.pattern.count(text), expected.size());
-            EXPECT_EQ(c.pattern.contains(text), !expected.empty());
-            EXPECT_EQ(c.pattern.firstMatch(text),
-                      expected.empty() ? std::nullopt : std::optional(expected.front()));
         }
 }
 
-TEST(Pattern, GroupsTakeGroupOneOfMatchesWhereItTookPart) {
-    const Pattern p("(a)|b");
-    EXPECT_EQ(p.groups("b a b a"), (Strings{"a", "a"}));
-    EXPECT_EQ(p.firstGroup("b b a"), "a");
-    EXPECT_EQ(p.firstGroup("b b"), std::nullopt);
-    EXPECT_TRUE(Pattern::money().groups("₹1,250.00 and $4").empty());
-}
-
+// The reader sorts on several threads at once, all with the same patterns.
 TEST(Pattern, OneCompiledPatternServesManyThreadsAtOnce) {
     const std::string text = "Cappuccino ₹360.00\nTax ₹48.00\nGrand Total ₹1,008.00";
     const Strings expected = {"₹360.00", "₹48.00", "₹1,008.00"};
-    std::vector<int> wrong(4, 0);
-    std::vector<std::thread> threads;
-    for (size_t t = 0; t < wrong.size(); ++t)
-        threads.emplace_back([&, t] {
+    std::atomic<int> wrong = 0;
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&] {
             for (int i = 0; i < 300; ++i)
-                wrong[t] += Pattern::money().matches(text) != expected;
+                wrong += Pattern::money().matches(text) != expected;
         });
-    for (std::thread& t : threads)
-        t.join();
-    EXPECT_EQ(wrong, std::vector<int>(4, 0));
-}
-
-TEST(PatternDeathTest, AnExpressionThatDoesNotCompileStopsTheProgram) {
-    EXPECT_DEATH(Pattern("(unclosed"), "does not compile");
+    threads.clear(); // joins them
+    EXPECT_EQ(wrong, 0);
 }
 
 } // namespace

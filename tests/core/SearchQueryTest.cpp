@@ -12,47 +12,32 @@
 namespace lumivale {
 namespace {
 
-struct ShotSpec {
-    std::string name;
-    std::vector<std::string> lines;
-    double created = 0; // seconds since 1970
-};
-
-ShotPtr makeShot(const ShotSpec& spec) {
-    Shot shot("/home/u/Pictures/" + spec.name, 1000, dateFromSeconds(spec.created),
-              dateFromSeconds(spec.created));
+ShotPtr makeShot(const std::string& name, const std::vector<std::string>& texts) {
+    Shot shot("/home/u/Pictures/" + name, 1000, Date{}, Date{});
     std::vector<TextLine> lines;
-    for (const std::string& text : spec.lines)
+    for (const std::string& text : texts)
         lines.push_back({text});
     shot.setLines(std::move(lines));
     return std::make_shared<const Shot>(std::move(shot));
 }
 
 TEST(SearchQueryTest, ParsesTypedText) {
-    struct Case {
+    const struct {
         const char* what;
         std::string typed;
         std::vector<std::string> terms;
-    };
-    const std::vector<Case> cases = {
-        {"nothing", "", {}},
-        {"only white space of all kinds", " \t\n\u00A0\u3000", {}},
-        {"runs of spaces", "  invoice \t  2024  ", {"invoice", "2024"}},
+    } cases[] = {
+        {"white space of all kinds", " \t\u00A0invoice\u3000 2024\n", {"invoice", "2024"}},
         {"folded", "CAFÉ ＡＢＣ Straße", {"cafe", "abc", "strasse"}},
         {"squashed", "1,250", {"1250"}},
         {"a space splits a number", "1 250", {"1", "250"}},
         {"a quoted number is squashed", "\"1 250\"", {"1250"}},
-        {"no-break space splits outside quotes", "total\u00A0due", {"total", "due"}},
         {"quoted phrase", "\"boarding pass\" del", {"boarding pass", "del"}},
-        {"curly quotes", "“Boarding Pass” DEL", {"boarding pass", "del"}},
-        {"quotes split words", "a\"b c\"d", {"a", "b c", "d"}},
-        {"unclosed quote runs to the end", "x \"late fee  ", {"x", "late fee"}},
-        {"empty quotes", "\"\" \"  \"", {}},
-        {"spaces trimmed inside quotes", "\"\u00A0\t late  fee \u3000\"", {"late  fee"}},
-        {"line feeds inside quotes stay", "\"\nlate\nfee\"", {"\nlate\nfee"}},
-        {"nothing left after folding", "\u0301 \"\u0301\"", {}},
+        {"curly quotes split words", "“Boarding Pass”DEL", {"boarding pass", "del"}},
+        {"unclosed quote runs to the end", "x \"\u00A0late  fee  ", {"x", "late  fee"}},
+        {"nothing left", "\"\" \"  \" \u0301", {}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         EXPECT_EQ(SearchQuery(c.typed).terms, c.terms);
     }
@@ -61,10 +46,10 @@ TEST(SearchQueryTest, ParsesTypedText) {
 // A shot matches when it holds every term; its hit lines are those that hold any term.
 TEST(SearchQueryTest, MatchesEveryTermAndMarksLinesWithAny) {
     const ShotPtr receipt =
-        makeShot({"IMG_0042.png", {"Café Rouge", "Invoice 2024", "Total 1,250.00"}});
-    const ShotPtr wide = makeShot({"wide.png", {"ABC order"}});
-    const ShotPtr split = makeShot({"split.png", {"late", "fee"}});
-    const ShotPtr spaced = makeShot({"spaced.png", {"Amount", "Total 1 250"}});
+        makeShot("IMG_0042.png", {"Café Rouge", "Invoice 2024", "Total 1,250.00"});
+    const ShotPtr split = makeShot("split.png", {"late", "fee"});
+    const ShotPtr spaced = makeShot("spaced.png", {"Amount", "Total 1 250"});
+    const ShotPtr unread = std::make_shared<const Shot>("/p/Shot 7.png", 1, Date{}, Date{});
     const struct {
         const char* what;
         std::string typed;
@@ -72,8 +57,7 @@ TEST(SearchQueryTest, MatchesEveryTermAndMarksLinesWithAny) {
         bool matches;
         std::vector<size_t> hits;
     } cases[] = {
-        {"capitals and accents", "CAFÉ", receipt, true, {0}},
-        {"full-width query", "ＡＢＣ", wide, true, {0}},
+        {"folded", "CAFÉ", receipt, true, {0}},
         {"ungrouped number finds a grouped one", "1250", receipt, true, {2}},
         {"quoted spaced number", "\"1 250\"", spaced, true, {1}},
         {"part of a word", "voic", receipt, true, {1}},
@@ -81,60 +65,13 @@ TEST(SearchQueryTest, MatchesEveryTermAndMarksLinesWithAny) {
         {"a term in the file name", "img_0042", receipt, true, {}},
         {"separate words on separate lines", "late fee", split, true, {0, 1}},
         {"a quoted phrase does not reach across lines", "\"late fee\"", split, false, {}},
+        {"a quoted line feed does", "\"late\nfee\"", split, true, {}},
+        {"a shot not read yet, by its name", "shot 7", unread, true, {}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         EXPECT_EQ(SearchQuery(c.typed).matches(*c.shot), c.matches);
         EXPECT_EQ(SearchQuery(c.typed).hitLines(*c.shot), c.hits);
-    }
-    EXPECT_TRUE(SearchQuery("\"late\nfee\"").matches(*split)) << "a quoted line feed reaches";
-    EXPECT_TRUE(SearchQuery("shot 7").matches(Shot("/p/Shot 7.png", 1, Date{}, Date{})))
-        << "a shot not read yet is found by its name";
-}
-
-// Each case spells out the scores in its comments; the dates are chosen so that a wrong score
-// changes the order.
-TEST(SearchQueryTest, RanksByScoreThenNewestFirst) {
-    struct Case {
-        const char* what;
-        std::string typed;
-        std::vector<ShotSpec> shots;
-        std::vector<std::string> expected;
-    };
-    const std::vector<Case> cases = {
-        {"occurrences count up to five",
-         "fee",
-         {{"nine.png", {"x fee fee fee fee fee fee fee fee fee"}, 100}, // 5
-          {"five.png", {"x fee fee fee fee fee"}, 200},                 // 5
-          {"four.png", {"x fee fee fee fee"}, 300}},                    // 4
-         {"five.png", "nine.png", "four.png"}},
-        {"starting a line is worth two",
-         "fee",
-         {{"first.png", {"fee first", "x"}, 100}, // 1 + 2
-          {"later.png", {"x", "fee later"}, 50},  // 1 + 2
-          {"three.png", {"x fee fee fee"}, 200},  // 3
-          {"two.png", {"x fee fee"}, 300}},       // 2
-         {"three.png", "first.png", "later.png", "two.png"}},
-        {"the file name is worth one, besides its occurrence and line start",
-         "fee",
-         {{"my-fee.png", {"x fee"}, 100},        // 2 occurrences + 1 name
-          {"plain.png", {"x fee fee fee"}, 200}, // 3
-          {"FEE-list.png", {"x"}, 50}},          // 1 + 2 line start + 1 name
-         {"FEE-list.png", "plain.png", "my-fee.png"}},
-        {"equal scores and dates keep their order",
-         "fee",
-         {{"r.png", {"x fee"}, 100}, {"q.png", {"x fee"}, 100}, {"p.png", {"x fee"}, 100}},
-         {"r.png", "q.png", "p.png"}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        std::vector<ShotPtr> shots;
-        for (const ShotSpec& spec : c.shots)
-            shots.push_back(makeShot(spec));
-        std::vector<std::string> names;
-        for (const ShotPtr& shot : SearchQuery(c.typed).rank(shots))
-            names.emplace_back(shot->name());
-        EXPECT_EQ(names, c.expected);
     }
 }
 
@@ -158,7 +95,8 @@ int scoreByTheRule(const Shot& shot, const std::vector<std::string>& terms) {
 
 // Words without numbers are looked for in the plain half of a search text only, and large
 // libraries are split between threads: on many made-up shots, some with search texts that are
-// not of this program's making (as a library file may hold), the order must be the rule's.
+// not of this program's making (as a library file may hold), the order must be the rule's, with
+// equal scores newest first and equal dates in the order given.
 TEST(SearchQueryTest, RanksManyShotsAsTheRuleSays) {
     const std::string pieces[] = {"1",     "25", ",", " ",  "\u00A0", "fee", "Fée",
                                   "total", "٣",  "a", "\n", ", 5",    "½"};
@@ -186,26 +124,28 @@ TEST(SearchQueryTest, RanksManyShotsAsTheRuleSays) {
         }
         shots.push_back(std::make_shared<const Shot>(std::move(shot)));
     }
-    for (const std::string typed : {" ", "fee", "fee total", "a", ",", "125", "1 25", "\", 5\"",
-                                    "\"a\nf\"", "٣", "total 1"}) {
-        SCOPED_TRACE(typed);
-        const SearchQuery query(typed);
-        std::vector<std::pair<int, ShotPtr>> expected;
-        for (const ShotPtr& shot : shots)
-            if (const int score = scoreByTheRule(*shot, query.terms); score >= 0)
-                expected.emplace_back(score, shot);
-        const auto date = [](const Shot& shot) { return std::min(shot.created, shot.modified); };
-        std::stable_sort(expected.begin(), expected.end(), [&](const auto& a, const auto& b) {
-            return a.first != b.first ? a.first > b.first : date(*a.second) > date(*b.second);
-        });
-        const std::vector<ShotPtr> ranked = query.rank(shots);
-        ASSERT_EQ(ranked.size(), expected.size());
-        for (size_t i = 0; i < ranked.size(); ++i) {
-            ASSERT_EQ(ranked[i].get(), expected[i].second.get())
-                << "at " << i << ": " << ranked[i]->folded;
-            ASSERT_TRUE(query.matches(*ranked[i]));
+    // A short list is ranked on one thread, a long one on two.
+    std::vector<ShotPtr> few(shots.begin(), shots.begin() + 500);
+    for (const std::vector<ShotPtr>* list : {&few, &shots})
+        for (const std::string typed : {" ", "fee", "fee total", "a", ",", "125", "1 25", "\", 5\"",
+                                        "\"a\nf\"", "٣", "total 1"}) {
+            SCOPED_TRACE(typed);
+            const SearchQuery query(typed);
+            std::vector<std::pair<int, ShotPtr>> expected;
+            for (const ShotPtr& shot : *list)
+                if (const int score = scoreByTheRule(*shot, query.terms); score >= 0)
+                    expected.emplace_back(score, shot);
+            const auto date = [](const Shot& shot) {
+                return std::min(shot.created, shot.modified);
+            };
+            std::stable_sort(expected.begin(), expected.end(), [&](const auto& a, const auto& b) {
+                return a.first != b.first ? a.first > b.first : date(*a.second) > date(*b.second);
+            });
+            const std::vector<ShotPtr> ranked = query.rank(*list);
+            ASSERT_EQ(ranked.size(), expected.size());
+            for (size_t i = 0; i < ranked.size(); ++i)
+                ASSERT_EQ(ranked[i], expected[i].second) << "at " << i << ": " << ranked[i]->folded;
         }
-    }
 }
 
 } // namespace

@@ -1,8 +1,9 @@
 #include "core/Sorter.h"
 
-#include "core/Sensitive.h"
+#include "core/Keywords.h"
 
 #include <gtest/gtest.h>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -12,9 +13,8 @@ namespace {
 
 using Lines = std::vector<std::string>;
 using enum Shelf;
-using enum SensitiveKind;
 
-// Worked examples: the comments add up the scores; a confidence below zero is not checked.
+// Worked examples: the comments add up the scores; in a tie the confidence is that of a tie.
 TEST(Sorter, PicksTheShelfAndItsConfidence) {
     const struct {
         Lines lines;
@@ -27,7 +27,8 @@ TEST(Sorter, PicksTheShelfAndItsConfidence) {
         {{"IRCTC itinerary", "BookMyShow"}, tickets, tickets, 14, 1.0},
         // itinerary 4 + reservation 3 against invoice 4 + cashier 3; bills wins the tie.
         {{"itinerary reservation", "invoice cashier"}, bills, bills, 7, 0.175},
-        {{"itinerary invoice hello"}, bills, bills, 4, 0.1},
+        // invoice 4 against "id card" 4: "bills" sorts before "ids".
+        {{"invoice id card"}, bills, ids, 4, 0.1},
         // seen 1.5 + online 1.5 + today 1: exactly the threshold passes.
         {{"seen online today"}, chats, chats, 4, 0.35 * 4 / 14 + 0.15 + 0.65 * 4 / 14},
         // func 3 + three identifiers at 0.3 each, below the threshold; the scores are kept.
@@ -35,21 +36,16 @@ TEST(Sorter, PicksTheShelfAndItsConfidence) {
         // irctc 5 + bookmyshow 5, but only two words.
         {{"IRCTC", "BookMyShow"}, other, tickets, 10, 0},
         // Ties go to the shelf whose name sorts first: wishlist 4 + mrp 3 tie with bills.
-        {{"invoice cashier wishlist mrp"}, bills, shopping, 7, -1},
+        {{"invoice cashier wishlist mrp"}, bills, shopping, 7, 0.175},
         // traceback 4 + void 3 against directions 4 + route 3.
-        {{"directions route traceback void"}, code, maps, 7, -1},
+        {{"directions route traceback void"}, code, maps, 7, 0.175},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.lines.front());
         const Verdict v = Sorter::sort(c.lines, {});
         EXPECT_EQ(v.category, c.category);
         EXPECT_NEAR(v.scores.at(c.scored), c.score, 1e-9);
-        if (c.confidence >= 0) {
-            EXPECT_NEAR(v.confidence, c.confidence, 1e-12);
-        }
-        if (c.category != other) {
-            EXPECT_NEAR(v.scores.at(c.category), c.score, 1e-9);
-        }
+        EXPECT_NEAR(v.confidence, c.confidence, 1e-12);
     }
 }
 
@@ -65,8 +61,8 @@ TEST(Sorter, ScoresKeywordsLayoutAndBarcodes) {
         {"eta inside beta", {"Beta version directions"}, {}, maps, 4},
         {"eta on its own", {"ETA 5:10 directions"}, {}, maps, 6},
         {"a keyword counts once", {"invoice invoice", "INVOICE"}, {}, bills, 4},
-        {"to weighs nothing", {"to to to"}, {}, bills, 0},
-        {"across lines", {"Tax", "Invoice"}, {}, bills, 4 + 4 + 1},
+        {"across lines and marks", {"Tax —", "Invoice"}, {}, bills, 4 + 4 + 1},
+        {"a curly apostrophe parts words", {"Driver’s License"}, {}, ids, 5},
         {"accents and width", {"ＲＥＣＥＩＰＴ", "Café Total"}, {}, bills, 4 + 2},
         {"chat layout", {"hey", "9:41", "you there?", "10:02", "yes", "10:03"}, {}, chats, 7},
         // Five amounts: bills gains 6.0 (7.5 capped), shopping 1.0 for having any.
@@ -93,37 +89,31 @@ TEST(Sorter, ScoresKeywordsLayoutAndBarcodes) {
     // Stray bytes that are not UTF-8 do no harm: "gate" and "seat" still count.
     const Lines broken = {"Boarding\xff Pass", "\xe0\xa4", "Gate \xc3 22", "Seat 14C\x80"};
     EXPECT_GE(Sorter::sort(broken, {}).scores.at(tickets), 4.0);
-    EXPECT_EQ(Sorter::sort({"Passport Z1234567", "ABCPE1234F"}, {}).flags,
-              (SensitiveKinds{taxID, passport}));
 }
 
-TEST(Sorter, ApplyWritesTheReadingAndVerdictButKeepsTheHandPickedShelf) {
-    Shot shot("/home/u/Pictures/Screenshots/a.png", 1000, Date{}, Date{});
-    shot.manual = tickets;
-    shot.readAt = Date{} + std::chrono::seconds(5);
+// The lists are uneven on purpose; their lengths catch a keyword lost in an edit.
+TEST(Sorter, EveryKeywordCountsForItsShelf) {
+    const std::map<Shelf, size_t> lengths = {{ids, 56},  {bills, 58},    {tickets, 49}, {chats, 24},
+                                             {code, 49}, {shopping, 50}, {maps, 39},    {other, 0}};
+    for (const auto& [shelf, length] : lengths) {
+        const std::vector<Keyword>& keywords = Keywords::raw().at(shelf);
+        EXPECT_EQ(keywords.size(), length) << shelfId(shelf);
+        for (const Keyword& k : keywords)
+            EXPECT_GE(Sorter::sort({k.text}, {}).scores.at(shelf), k.weight) << k.text;
+    }
+}
+
+// The rest of what a reading leaves in a shot, the shelf, flags and failure, show in the list.
+TEST(Sorter, ApplyKeepsThePictureSizeAndTheGuessConfidence) {
+    Shot shot("/p/a.png", 1000, Date{}, Date{});
     Reading reading;
-    reading.lines = {{"TAX INVOICE", 0.1f, 0.9f, 0.5f, 0.05f}, {"Grand Total ₹1,008.00"}};
+    reading.lines = {{"TAX INVOICE"}, {"Grand Total ₹1,008.00"}};
     reading.pixelWidth = 1170;
     reading.pixelHeight = 2532;
     Sorter::apply(reading, shot);
-    EXPECT_EQ(shot.lines, reading.lines);
     EXPECT_EQ(shot.pixelWidth, 1170);
     EXPECT_EQ(shot.pixelHeight, 2532);
-    EXPECT_EQ(shot.guess, bills);
     EXPECT_GT(shot.guessScore, 0.0);
-    EXPECT_EQ(shot.manual, tickets);
-    EXPECT_EQ(shot.readAt, Date{} + std::chrono::seconds(5));
-
-    // A failed reading clears the last one, and its barcodes score nothing.
-    Reading failed;
-    failed.failed = true;
-    failed.barcodes = {"Aztec"};
-    Sorter::apply(failed, shot);
-    EXPECT_TRUE(shot.lines.empty());
-    EXPECT_TRUE(shot.failed);
-    EXPECT_EQ(shot.guess, other);
-    EXPECT_EQ(shot.guessScore, 0.0);
-    EXPECT_EQ(shot.folded, "\na.png");
 }
 
 } // namespace
