@@ -104,6 +104,20 @@ void AppModel::setQuery(std::string query) {
     emit queryChanged();
 }
 
+void AppModel::setShowTidy(bool on) {
+    if (on == showTidy_)
+        return;
+    showTidy_ = on;
+    emit sheetsChanged();
+}
+
+void AppModel::setNewestFirst(bool on) {
+    if (on == newestFirst_)
+        return;
+    newestFirst_ = on;
+    emit queryChanged();
+}
+
 void AppModel::setSelection(std::optional<std::string> path) {
     if (path == selection_)
         return;
@@ -148,7 +162,7 @@ void AppModel::start() {
         return;
     started_ = true;
     load();
-    if (Settings::boolean(settings_, Settings::welcomeDone).value_or(false)) {
+    if (isDemo_ || Settings::boolean(settings_, Settings::welcomeDone).value_or(false)) {
         rescan();
         rewatch();
     } else {
@@ -159,7 +173,7 @@ void AppModel::start() {
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
             [this, wasActive = true](Qt::ApplicationState state) mutable {
                 const bool active = state == Qt::ApplicationActive;
-                if (active && Settings::boolean(settings_, Settings::welcomeDone).value_or(false))
+                if (active && (isDemo_ || Settings::boolean(settings_, Settings::welcomeDone).value_or(false)))
                     rescan();
                 else if (!active && wasActive)
                     applicationLeft();
@@ -191,6 +205,8 @@ void AppModel::rebuildSources() {
 }
 
 void AppModel::save() {
+    if (isDemo_)
+        return;
     auto shots = library_.all();
     auto extra = library_.extraFolders;
     auto skipped = library_.skippedFolders;
@@ -207,6 +223,8 @@ void AppModel::save() {
 void AppModel::waitForSaves() { savePool_.waitForDone(); }
 
 void AppModel::saveNow() {
+    if (isDemo_)
+        return;
     savePool_.waitForDone();
     library_.save(paths_.libraryFile());
     journals_.save(paths_.journalFile());
@@ -237,8 +255,14 @@ std::vector<ShotPtr> AppModel::shots(const Place& place) const {
 std::vector<ShotPtr> AppModel::visible() const {
     const SearchQuery query(query_);
     // The whole library is searched where it lies, without a copy.
-    return holdsEverything(place_) ? query.rank(library_.all()) : query.rank(shots(place_));
+    auto list = holdsEverything(place_) ? query.rank(library_.all()) : query.rank(shots(place_));
+    if (newestFirst_ && !query.isEmpty())
+        std::stable_sort(list.begin(), list.end(),
+                         [](const ShotPtr& a, const ShotPtr& b) { return a->date() > b->date(); });
+    return list;
 }
+
+std::vector<size_t> AppModel::hitLines(const Shot& shot) const { return SearchQuery(query_).hitLines(shot); }
 
 const Shot* AppModel::selected() const { return selection_ ? library_.find(*selection_) : nullptr; }
 

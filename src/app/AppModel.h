@@ -83,15 +83,24 @@ public:
     const std::optional<Banner>& banner() const { return banner_; }
     const std::set<std::string>& revealed() const { return revealed_; }
     bool showWelcome() const { return showWelcome_; }
+    bool showTidy() const { return showTidy_; }
+    void setShowTidy(bool on);
     bool blurPrivate() const { return blurPrivate_; }
     bool watch() const { return watch_; }
     int lockAfterMinutes() const { return lockAfterMinutes_; }
+    // Demonstration mode: the library is made-up data, never saved as the user's, and the
+    // folders are scanned without the welcome.
+    bool isDemo() const { return isDemo_; }
+    void markDemo() { isDemo_ = true; }
+    // Whether a query's matches are shown newest first instead of best first.
+    bool newestFirst() const { return newestFirst_; }
     Date now() const { return services_.clock(); }
     // The folders being watched for changes.
     QStringList watchedFolders() const { return watcher_.directories(); }
 
     void setPlace(Place place);
     void setQuery(std::string query);
+    void setNewestFirst(bool on);
     void setSelection(std::optional<std::string> path);
     void setBlurPrivate(bool on);
     void setWatch(bool on);
@@ -124,6 +133,8 @@ public:
     Tally tally() const;
     // Whether views must blur the shot.
     bool isHidden(const Shot& shot) const;
+    // The indices of the shot's lines that hold a term of the query, ascending.
+    std::vector<size_t> hitLines(const Shot& shot) const;
 
     // --- the scan and read cycle -------------------------------------------------------------
     // Lists every enabled source in the background and merges what it finds.
@@ -143,6 +154,8 @@ public:
     void copyText(const Shot& shot);
     void copyImage(const Shot& shot);
     void flash(std::string text, bool error = false);
+    // Takes the banner away before its time.
+    void dismissBanner();
     void addFolder(const std::string& path);
     void removeFolder(const Source& source);
     void setEnabled(const Source& source, bool on);
@@ -199,6 +212,8 @@ signals:
     void bannerChanged();
     void revealedChanged();
     void settingsChanged();
+    // The welcome or the tidy sheet was shown or closed.
+    void sheetsChanged();
     // A reading was stored for this path.
     void shotRead(const QString& path);
     // A background save finished (true when it wrote both files).
@@ -233,6 +248,9 @@ private:
     std::optional<Banner> banner_;
     std::set<std::string> revealed_;
     bool showWelcome_ = false;
+    bool showTidy_ = false;
+    bool isDemo_ = false;
+    bool newestFirst_ = false;
     bool blurPrivate_ = true;
     bool watch_ = true;
     int lockAfterMinutes_ = 5;

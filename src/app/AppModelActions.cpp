@@ -62,6 +62,13 @@ void AppModel::flash(std::string text, bool error) {
     showBanner(Banner{QUuid::createUuid(), std::move(text), std::nullopt, error});
 }
 
+void AppModel::dismissBanner() {
+    if (!banner_)
+        return;
+    banner_.reset();
+    emit bannerChanged();
+}
+
 void AppModel::showBanner(Banner banner) {
     const QUuid id = banner.id;
     const auto duration = banner.undo ? bannerWithUndoFor : bannerFor;

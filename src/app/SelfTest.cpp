@@ -1,6 +1,7 @@
 #include "app/SelfTest.h"
 
 #include "app/Fixtures.h"
+#include "app/FolderTrash.h"
 #include "app/TidyChoices.h"
 #include "core/FileMove.h"
 #include "core/FileOps.h"
@@ -40,15 +41,6 @@ std::string readAll(const std::string& path) {
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
-// Moves a file into the test's own Trash folder, under a free name.
-TrashOutcome trashInto(const std::string& trash, const std::string& path) {
-    if (Status made = makeFolders(trash); !made) return TrashOutcome::failure(made.message());
-    const std::string target = Tidy::unique(joinPath(trash, lastComponent(path)), "", {}, exists);
-    if (Status moved = moveNoReplace(path, target); !moved)
-        return TrashOutcome::failure(moved.message());
-    return TrashOutcome::landedAt(target);
-}
-
 class Checks {
   public:
     void check(bool ok, const std::string& text) {
@@ -76,8 +68,7 @@ class Run {
     Run(const std::string& dir, const std::function<void(AppModel::Services&)>& adjust)
         : tree_(dir), settings_(QString::fromStdString(tree_.settings), QSettings::IniFormat) {
         AppModel::Services services;
-        const std::string trash = tree_.trash;
-        services.trasher = [trash](const std::string& path) { return trashInto(trash, path); };
+        services.trasher = folderTrash(tree_.trash);
         services.confirm = [](const std::string&, const std::string&, const std::string&) {
             return true;
         };

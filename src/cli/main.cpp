@@ -2,6 +2,7 @@
 
 #include "cli/Command.h"
 #include "reading/Reader.h"
+#include "ui/WindowApp.h"
 
 #include <QGuiApplication>
 
@@ -54,6 +55,10 @@ int main(int argc, char** argv) {
     if (!data.empty())
         setenv("LUMIVALE_DATA_DIR", data.back().c_str(), 1);
 
+    // No command: the window, when there is a display to show it on or pictures of it to render.
+    const bool display = std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY");
+    if (args.empty() && (display || std::getenv("LUMIVALE_SNAPSHOT_DIR")))
+        return lumivale::WindowApp::run(argc, argv);
     if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
         printHelp();
         return lumivale::cli::Exit::done;

@@ -1,0 +1,128 @@
+#include "ui/ShotDelegate.h"
+
+#include "app/AppModel.h"
+#include "app/ThumbnailProvider.h"
+#include "ui/Brand.h"
+#include "ui/Icons.h"
+#include "ui/ShotListModel.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QPainterPath>
+
+namespace lumivale {
+namespace {
+
+constexpr int cellWidth = 196;
+constexpr int pictureHeight = 138;
+constexpr int pad = 8;
+
+QString qs(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
+
+} // namespace
+
+ShotDelegate::ShotDelegate(AppModel& model, ThumbnailProvider& thumbnails, QObject* parent)
+    : QStyledItemDelegate(parent), model_(model), thumbnails_(thumbnails) {}
+
+QSize ShotDelegate::cellSize() const {
+    const int line = QFontMetrics(QApplication::font()).height();
+    const int lines = model_.query().empty() ? 2 : 3;
+    return {cellWidth, pad + pictureHeight + pad + lines * line + pad};
+}
+
+QSize ShotDelegate::sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const { return cellSize(); }
+
+void ShotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    const auto* shot = static_cast<const Shot*>(index.data(ShotListModel::ShotRole).value<const void*>());
+    if (!shot)
+        return;
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    const QPalette& palette = option.palette;
+    const QRect cell = option.rect.adjusted(3, 3, -3, -3);
+    const bool selected = option.state & QStyle::State_Selected;
+    if (selected || (option.state & QStyle::State_MouseOver)) {
+        QColor fill = palette.color(QPalette::Highlight);
+        fill.setAlphaF(selected ? 0.28 : 0.10);
+        painter->setPen(selected ? QPen(palette.color(QPalette::Highlight), 1.5) : Qt::NoPen);
+        painter->setBrush(fill);
+        painter->drawRoundedRect(cell, 8, 8);
+    }
+    if (option.state & QStyle::State_HasFocus && option.state & QStyle::State_Selected) {
+        painter->setPen(QPen(palette.color(QPalette::Highlight), 2));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRoundedRect(cell.adjusted(1, 1, -1, -1), 8, 8);
+    }
+
+    const bool hidden = model_.isHidden(*shot);
+    const QRect picture(cell.left() + pad, cell.top() + pad, cell.width() - 2 * pad, pictureHeight);
+    paintThumbnail(painter, picture, *shot, hidden);
+
+    const QFontMetrics metrics(option.font);
+    QRect text(picture.left(), picture.bottom() + pad, picture.width(), metrics.height());
+    QFont bold = option.font;
+    bold.setWeight(QFont::DemiBold);
+    painter->setFont(bold);
+    painter->setPen(palette.color(QPalette::Text));
+    painter->drawText(text, Qt::AlignLeft | Qt::AlignVCenter,
+                      QFontMetrics(bold).elidedText(index.data().toString(), Qt::ElideMiddle, text.width()));
+    painter->setFont(option.font);
+    text.translate(0, metrics.height());
+    painter->setPen(palette.color(QPalette::PlaceholderText));
+    const QString shelf = shot->isRead() ? (shot->failed ? QObject::tr("Couldn't be read") : qs(shelfTitle(shot->category())))
+                                         : QObject::tr("Waiting to be read");
+    painter->drawText(text, Qt::AlignLeft | Qt::AlignVCenter, metrics.elidedText(shelf, Qt::ElideRight, text.width()));
+    if (!model_.query().empty()) {
+        text.translate(0, metrics.height());
+        painter->setPen(palette.color(QPalette::Text));
+        painter->drawText(text, Qt::AlignLeft | Qt::AlignVCenter,
+                          metrics.elidedText(secondLine(*shot, hidden), Qt::ElideRight, text.width()));
+    }
+    painter->restore();
+}
+
+void ShotDelegate::paintThumbnail(QPainter* painter, const QRect& area, const Shot& shot, bool hidden) const {
+    QPainterPath clip;
+    const QImage image = thumbnails_.thumbnail(shot, hidden);
+    QRectF target = area;
+    if (!image.isNull()) {
+        QSizeF size = image.deviceIndependentSize();
+        size.scale(area.size(), Qt::KeepAspectRatio);
+        target = QRectF(QPointF(area.center().x() - size.width() / 2 + 0.5, area.center().y() - size.height() / 2 + 0.5), size);
+    }
+    clip.addRoundedRect(target, 6, 6);
+    painter->save();
+    painter->setClipPath(clip);
+    if (image.isNull())
+        painter->fillRect(area, QApplication::palette().color(QPalette::AlternateBase));
+    else {
+        painter->setRenderHint(QPainter::SmoothPixmapTransform);
+        painter->drawImage(target, image);
+    }
+    painter->restore();
+    painter->setPen(QPen(QApplication::palette().color(QPalette::Mid), 0.8));
+    painter->setBrush(Qt::NoBrush);
+    painter->drawPath(clip);
+    if (shot.isRead() && shot.isSensitive()) {
+        // The private marker: a coral badge with a shield, on every private shot, blurred or not.
+        const QRectF badge(target.right() - 30, target.top() + 6, 24, 24);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(Brand::marker());
+        painter->drawEllipse(badge);
+        Icons::tinted(hidden ? "eye-off" : "private", Qt::white).paint(painter, badge.adjusted(4, 4, -4, -4).toRect());
+    }
+}
+
+QString ShotDelegate::secondLine(const Shot& shot, bool hidden) const {
+    if (hidden)
+        return QObject::tr("Private: its words are hidden");
+    const auto hits = model_.hitLines(shot);
+    if (hits.empty())
+        return QObject::tr("In the file name");
+    QString line = QString::fromStdString(shot.lines[hits.front()].text).simplified();
+    if (hits.size() > 1)
+        line += QObject::tr("  (+%1 more)").arg(hits.size() - 1);
+    return line;
+}
+
+} // namespace lumivale

@@ -1,0 +1,11 @@
+#pragma once
+
+// The window's start: the normal one, with demonstration data, and the snapshot mode.
+namespace lumivale::WindowApp {
+
+// Opens the main window and runs until it closes; with LUMIVALE_DEMO_DIR the window shows
+// demonstration data drawn into that folder, and with LUMIVALE_SNAPSHOT_DIR it renders its screens
+// into that folder as pictures and quits. The exit status.
+int run(int argc, char** argv);
+
+} // namespace lumivale::WindowApp
