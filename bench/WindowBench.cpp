@@ -90,9 +90,6 @@ void prepare(const std::string& root, int count) {
     QImage picture(390, 844, QImage::Format_RGB32);
     picture.fill(QColor(240, 240, 236));
     picture.save(QString::fromStdString(root + "/picture.png"));
-    struct stat st {};
-    ::stat((root + "/picture.png").c_str(), &st);
-    const Date modified(std::chrono::seconds(st.st_mtim.tv_sec) + std::chrono::nanoseconds(st.st_mtim.tv_nsec));
     Library synthetic = bench::syntheticLibrary(count);
     Library library;
     library.reserve(static_cast<size_t>(count));
@@ -100,9 +97,15 @@ void prepare(const std::string& root, int count) {
     for (const ShotPtr& shot : synthetic.all()) {
         Shot copy = *shot;
         copy.path = shots + "/Screenshot " + std::to_string(i++) + ".png";
-        fs::create_hard_link(root + "/picture.png", copy.path);
+        // A file system allows some 65,000 links to one file: a copy of the picture every 50,000.
+        const std::string source = root + "/picture" + std::to_string(i / 50000) + ".png";
+        if (!fs::exists(source))
+            fs::copy_file(root + "/picture.png", source);
+        fs::create_hard_link(source, copy.path);
+        struct stat st {};
+        ::stat(source.c_str(), &st);
         copy.size = st.st_size;
-        copy.created = copy.modified = modified;
+        copy.created = copy.modified = Date(std::chrono::seconds(st.st_mtim.tv_sec) + std::chrono::nanoseconds(st.st_mtim.tv_nsec));
         copy.refold();
         library.put(std::move(copy));
     }

@@ -4,6 +4,7 @@
 #include "app/Demo.h"
 #include "app/ThumbnailProvider.h"
 #include "core/Facts.h"
+#include "ui/Brand.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>
@@ -23,6 +24,7 @@ struct Screen {
     const char* name;
     std::function<void(AppModel&)> setUp;
     bool empty = false; // shown over a library with no screenshots
+    bool dark = false;  // drawn in the dark look
 };
 
 const Shot* firstOn(AppModel& model, const Place& place, const std::function<bool(const Shot&)>& wanted) {
@@ -61,6 +63,11 @@ const std::vector<Screen>& screens() {
                  m.reveal(m.selected()->path);
          }},
         {"empty", [](AppModel& m) { m.setPlace(Place::of(Kind::overview)); }, true},
+        {"overview-dark", [](AppModel& m) { m.setPlace(Place::of(Kind::overview)); }, false, true},
+        {"search-dark", [](AppModel& m) {
+             m.setPlace(Place::of(Kind::all));
+             m.setQuery("total");
+         }, false, true},
     };
     return list;
 }
@@ -115,15 +122,17 @@ int render(const std::string& out, const std::string& only, const std::string& d
         std::cerr << "lumivale: the demonstration screenshots couldn't be drawn: " << drawn.message() << "\n";
         return 1;
     }
-    std::unique_ptr<Stage> full, empty;
+    std::unique_ptr<Stage> full, empty, dark;
     int failures = 0, written = 0;
     for (const Screen& screen : screens()) {
         if (!only.empty() && only != screen.name)
             continue;
-        auto& stage = screen.empty ? empty : full;
+        auto& stage = screen.empty ? empty : screen.dark ? dark : full;
+        // Widgets take their colours when made, so the dark look has a window of its own.
+        Brand::apply(*qApp, screen.dark ? Brand::Look::dark : Brand::Look::light);
         if (!stage)
             stage = std::make_unique<Stage>(screen.empty ? scratch.filePath("home/Nothing").toStdString() : dir,
-                                            scratch.path() + (screen.empty ? "/empty" : "/full"));
+                                            scratch.path() + (screen.empty ? "/empty" : screen.dark ? "/dark" : "/full"));
         stage->model.setQuery("");
         stage->model.setSelection(std::nullopt);
         screen.setUp(stage->model);
