@@ -1,0 +1,158 @@
+#include "app/ThumbnailCache.h"
+
+#include "app/ThumbnailMaker.h"
+#include "core/FileOps.h"
+
+#include <QBuffer>
+#include <QCryptographicHash>
+#include <QImageReader>
+#include <QUrl>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace lumivale::ThumbnailCache {
+
+namespace {
+
+constexpr std::array sizeFolders{"normal", "large", "x-large", "xx-large"};
+const std::string failureFolder = "fail/lumivale-" LUMIVALE_VERSION;
+
+std::string root() {
+    const char* cache = std::getenv("XDG_CACHE_HOME");
+    if (cache && cache[0] == '/') return std::string(cache) + "/thumbnails";
+    const char* home = std::getenv("HOME");
+    return std::string(home ? home : "") + "/.cache/thumbnails";
+}
+
+std::string fileNameOf(const std::string& picture) {
+    const QByteArray uri = QByteArray::fromStdString(uriOf(picture));
+    return QCryptographicHash::hash(uri, QCryptographicHash::Md5).toHex().toStdString() + ".png";
+}
+
+// Makes the folders below the cache root that do not exist yet, private to the user as the
+// cache's folders must be.
+Status makePrivateFolders(const std::string& folder) {
+    const std::filesystem::path base(root());
+    std::filesystem::path at = base.parent_path();
+    if (Status made = makeFolders(at); !made) return made;
+    for (const auto& part : std::filesystem::path(folder).lexically_relative(at)) {
+        at /= part;
+        if (mkdir(at.c_str(), 0700) != 0 && errno != EEXIST)
+            return Status::failure(describeErrno(errno), errno);
+    }
+    return Status::ok();
+}
+
+// A cache file, with its keys, when it describes the picture as stamped.
+QImage validImage(const std::string& file, const std::string& picture, const Stamp& stamp) {
+    QImageReader reader(QString::fromStdString(file), "png");
+    reader.setAutoTransform(false);
+    const QImage image = reader.read();
+    if (image.isNull()) return {};
+    if (image.text("Thumb::URI").toStdString() != uriOf(picture)) return {};
+    // Other programs may write a fractional time: whole seconds are compared.
+    bool number = false;
+    const double mtime = image.text("Thumb::MTime").toDouble(&number);
+    if (!number || static_cast<int64_t>(std::floor(mtime)) != stamp.mtime) return {};
+    const QString size = image.text("Thumb::Size");
+    if (!size.isEmpty() && size.toLongLong() != stamp.size) return {};
+    return image;
+}
+
+Status writePng(const std::string& file, QImage image, const std::string& picture,
+                const Stamp& stamp) {
+    image.setText("Thumb::URI", QString::fromStdString(uriOf(picture)));
+    image.setText("Thumb::MTime", QString::number(stamp.mtime));
+    image.setText("Thumb::Size", QString::number(stamp.size));
+    image.setText("Software", "Lumivale " LUMIVALE_VERSION);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    if (!image.save(&buffer, "PNG")) return Status::failure("the thumbnail could not be encoded");
+    const std::string folder = std::filesystem::path(file).parent_path();
+    if (Status made = makePrivateFolders(folder); !made) return made;
+    // The temporary file is made 0600, and keeps that mode when it is renamed into place.
+    return writeAtomically(file, std::string_view(bytes.constData(), bytes.size()));
+}
+
+} // namespace
+
+int longestSideOf(Size size) {
+    return 128 << static_cast<int>(size);
+}
+
+std::optional<Stamp> stampOf(const std::string& picture) {
+    struct stat info {};
+    if (stat(picture.c_str(), &info) != 0) return std::nullopt;
+    return Stamp{static_cast<int64_t>(info.st_mtim.tv_sec), static_cast<int64_t>(info.st_size)};
+}
+
+std::string uriOf(const std::string& picture) {
+    const std::string absolute = std::filesystem::absolute(picture).lexically_normal();
+    return QUrl::fromLocalFile(QString::fromStdString(absolute)).toEncoded().toStdString();
+}
+
+std::string pathOf(const std::string& picture, Size size) {
+    return root() + "/" + sizeFolders[static_cast<size_t>(size)] + "/" + fileNameOf(picture);
+}
+
+std::string failurePathOf(const std::string& picture) {
+    return root() + "/" + failureFolder + "/" + fileNameOf(picture);
+}
+
+QImage lookUp(const std::string& picture, Size size, const Stamp& stamp) {
+    return validImage(pathOf(picture, size), picture, stamp);
+}
+
+bool hasFailed(const std::string& picture, const Stamp& stamp) {
+    return !validImage(failurePathOf(picture), picture, stamp).isNull();
+}
+
+Status write(const std::string& picture, Size size, const Stamp& stamp, const QImage& thumbnail) {
+    return writePng(pathOf(picture, size), thumbnail, picture, stamp);
+}
+
+Status writeFailure(const std::string& picture, const Stamp& stamp) {
+    QImage mark(1, 1, QImage::Format_ARGB32);
+    mark.fill(Qt::transparent);
+    return writePng(failurePathOf(picture), mark, picture, stamp);
+}
+
+void forget(const std::string& picture) {
+    const std::string name = fileNameOf(picture);
+    for (const char* folder : sizeFolders)
+        unlink((root() + "/" + folder + "/" + name).c_str());
+    std::error_code ec;
+    for (const auto& entry : std::filesystem::directory_iterator(root() + "/fail", ec))
+        unlink((entry.path() / name).c_str());
+}
+
+Thumbnail obtain(const std::string& picture, bool share) {
+    const std::optional<Stamp> stamp = stampOf(picture);
+    if (!stamp) return {};
+    if (QImage cached = lookUp(picture, Size::large, *stamp); !cached.isNull())
+        return {std::move(cached), Origin::cache};
+    if (hasFailed(picture, *stamp)) return {};
+    QImage made = makeThumbnail(picture, longestSideOf(Size::large));
+    if (made.isNull()) {
+        if (share) writeFailure(picture, *stamp);
+        return {};
+    }
+    if (share) {
+        write(picture, Size::large, *stamp, made);
+        const int normal = longestSideOf(Size::normal);
+        QImage smaller =
+            made.width() > normal || made.height() > normal
+                ? made.scaled(normal, normal, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+                : made;
+        for (const char* key : {"Thumb::Image::Width", "Thumb::Image::Height"})
+            smaller.setText(key, made.text(key));
+        write(picture, Size::normal, *stamp, smaller);
+    }
+    return {std::move(made), Origin::picture};
+}
+
+} // namespace lumivale::ThumbnailCache
