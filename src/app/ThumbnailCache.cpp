@@ -11,7 +11,9 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <glib.h>
 #include <sys/stat.h>
+#include <vector>
 
 namespace lumivale::ThumbnailCache {
 
@@ -27,9 +29,26 @@ std::string root() {
     return std::string(home ? home : "") + "/.cache/thumbnails";
 }
 
-std::string fileNameOf(const std::string& picture) {
-    const QByteArray uri = QByteArray::fromStdString(uriOf(picture));
-    return QCryptographicHash::hash(uri, QCryptographicHash::Md5).toHex().toStdString() + ".png";
+std::string absolutePathOf(const std::string& picture) {
+    return std::filesystem::absolute(picture).lexically_normal();
+}
+
+// The ways programs spell a picture's URI: ours (Qt's, as KDE's programs spell it) and GLib's
+// (GNOME's and Xfce's), which also escapes ";", "[" and "]".
+std::vector<std::string> spellingsOf(const std::string& picture) {
+    std::vector<std::string> uris{uriOf(picture)};
+    if (char* glib = g_filename_to_uri(absolutePathOf(picture).c_str(), nullptr, nullptr)) {
+        if (uris.front() != glib) uris.emplace_back(glib);
+        g_free(glib);
+    }
+    return uris;
+}
+
+std::string fileNameOf(const std::string& uri) {
+    return QCryptographicHash::hash(QByteArray::fromStdString(uri), QCryptographicHash::Md5)
+               .toHex()
+               .toStdString() +
+           ".png";
 }
 
 // Makes the folders below the cache root that do not exist yet, private to the user as the
@@ -47,12 +66,12 @@ Status makePrivateFolders(const std::string& folder) {
 }
 
 // A cache file, with its keys, when it describes the picture as stamped.
-QImage validImage(const std::string& file, const std::string& picture, const Stamp& stamp) {
+QImage validImage(const std::string& file, const std::string& uri, const Stamp& stamp) {
     QImageReader reader(QString::fromStdString(file), "png");
     reader.setAutoTransform(false);
     const QImage image = reader.read();
     if (image.isNull()) return {};
-    if (image.text("Thumb::URI").toStdString() != uriOf(picture)) return {};
+    if (image.text("Thumb::URI").toStdString() != uri) return {};
     // Other programs may write a fractional time: whole seconds are compared.
     bool number = false;
     const double mtime = image.text("Thumb::MTime").toDouble(&number);
@@ -91,24 +110,29 @@ std::optional<Stamp> stampOf(const std::string& picture) {
 }
 
 std::string uriOf(const std::string& picture) {
-    const std::string absolute = std::filesystem::absolute(picture).lexically_normal();
-    return QUrl::fromLocalFile(QString::fromStdString(absolute)).toEncoded().toStdString();
+    return QUrl::fromLocalFile(QString::fromStdString(absolutePathOf(picture)))
+        .toEncoded()
+        .toStdString();
 }
 
 std::string pathOf(const std::string& picture, Size size) {
-    return root() + "/" + sizeFolders[static_cast<size_t>(size)] + "/" + fileNameOf(picture);
+    return root() + "/" + sizeFolders[static_cast<size_t>(size)] + "/" + fileNameOf(uriOf(picture));
 }
 
 std::string failurePathOf(const std::string& picture) {
-    return root() + "/" + failureFolder + "/" + fileNameOf(picture);
+    return root() + "/" + failureFolder + "/" + fileNameOf(uriOf(picture));
 }
 
 QImage lookUp(const std::string& picture, Size size, const Stamp& stamp) {
-    return validImage(pathOf(picture, size), picture, stamp);
+    const std::string folder = root() + "/" + sizeFolders[static_cast<size_t>(size)] + "/";
+    for (const std::string& uri : spellingsOf(picture))
+        if (QImage image = validImage(folder + fileNameOf(uri), uri, stamp); !image.isNull())
+            return image;
+    return {};
 }
 
 bool hasFailed(const std::string& picture, const Stamp& stamp) {
-    return !validImage(failurePathOf(picture), picture, stamp).isNull();
+    return !validImage(failurePathOf(picture), uriOf(picture), stamp).isNull();
 }
 
 Status write(const std::string& picture, Size size, const Stamp& stamp, const QImage& thumbnail) {
@@ -122,12 +146,15 @@ Status writeFailure(const std::string& picture, const Stamp& stamp) {
 }
 
 void forget(const std::string& picture) {
-    const std::string name = fileNameOf(picture);
-    for (const char* folder : sizeFolders)
-        unlink((root() + "/" + folder + "/" + name).c_str());
+    std::vector<std::string> folders;
+    for (const char* size : sizeFolders)
+        folders.push_back(root() + "/" + size);
     std::error_code ec;
     for (const auto& entry : std::filesystem::directory_iterator(root() + "/fail", ec))
-        unlink((entry.path() / name).c_str());
+        folders.push_back(entry.path());
+    for (const std::string& uri : spellingsOf(picture))
+        for (const std::string& folder : folders)
+            unlink((folder + "/" + fileNameOf(uri)).c_str());
 }
 
 Thumbnail obtain(const std::string& picture, bool share) {

@@ -166,19 +166,20 @@ TEST_F(ThumbnailCacheTest, ReusesValidThumbnailsOfOtherProgramsAndReplacesStaleO
 }
 
 TEST_F(ThumbnailCacheTest, ReusesAThumbnailMadeByTheDesktopsThumbnailer) {
-    const std::string picture = dir.file("desk.png");
+    const std::string picture = dir.file("desk [1].png");
     drawPicture(picture, {1200, 900}, Qt::green);
     const std::string made = dir.file("made.png");
     ASSERT_TRUE(test::runShell("gdk-pixbuf-thumbnailer -s 256 '" + picture + "' '" + made + "'"));
     // The thumbnailer makes the pixels; the desktop's thumbnail factory adds the keys as it
-    // stores them.
+    // stores them, under the URI as GLib spells it.
     QImage image(QString::fromStdString(made));
     ASSERT_EQ(image.size(), QSize(256, 192));
     struct stat info {};
     ASSERT_EQ(stat(picture.c_str(), &info), 0);
-    image.setText("Thumb::URI", QString::fromStdString("file://" + picture));
+    const std::string uri = "file://" + dir.str() + "/desk%20%5B1%5D.png";
+    image.setText("Thumb::URI", QString::fromStdString(uri));
     image.setText("Thumb::MTime", QString::number(info.st_mtim.tv_sec));
-    const std::string file = thumbnailsRoot() + "/large/" + md5Name("file://" + picture);
+    const std::string file = thumbnailsRoot() + "/large/" + md5Name(uri);
     fs::create_directories(fs::path(file).parent_path());
     ASSERT_TRUE(image.save(QString::fromStdString(file)));
     const FileId before = idOf(file);
@@ -188,6 +189,7 @@ TEST_F(ThumbnailCacheTest, ReusesAThumbnailMadeByTheDesktopsThumbnailer) {
     EXPECT_EQ(got.image.convertToFormat(QImage::Format_RGB32),
               image.convertToFormat(QImage::Format_RGB32));
     EXPECT_TRUE(idOf(file) == before);
+    EXPECT_EQ(test::namesIn(thumbnailsRoot() + "/large"), std::set{md5Name(uri)});
 }
 
 TEST_F(ThumbnailCacheTest, RecordsPicturesThatCannotBeRead) {
@@ -238,23 +240,25 @@ TEST_F(ThumbnailCacheTest, WritesNothingWhenNotShared) {
 }
 
 TEST_F(ThumbnailCacheTest, ForgetRemovesEverySizeAndEveryFailureRecord) {
-    const std::string picture = dir.file("locked.png"), other = dir.file("kept.png");
-    const std::string name = md5Name("file://" + picture);
+    const std::string picture = dir.file("locked [1];.png"), other = dir.file("kept.png");
+    // Qt's spelling of the URI, and GLib's, which escapes more.
+    const std::set<std::string> names = {
+        md5Name("file://" + dir.str() + "/locked%20[1];.png"),
+        md5Name("file://" + dir.str() + "/locked%20%5B1%5D%3B.png")};
+    const std::string kept = md5Name("file://" + other);
     const std::vector<std::string> folders = {"normal",
                                               "large",
                                               "x-large",
                                               "xx-large",
                                               "fail/gnome-thumbnail-factory",
                                               "fail/lumivale-0.0.1"};
-    for (const std::string& folder : folders) {
-        writeForeign(thumbnailsRoot() + "/" + folder + "/" + name, {});
-        writeForeign(thumbnailsRoot() + "/" + folder + "/" + md5Name("file://" + other), {});
-    }
+    for (const std::string& folder : folders)
+        for (const std::string& name : {*names.begin(), *names.rbegin(), kept})
+            writeForeign(thumbnailsRoot() + "/" + folder + "/" + name, {});
     cache::forget(picture);
     for (const std::string& folder : folders) {
         SCOPED_TRACE(folder);
-        EXPECT_EQ(test::namesIn(thumbnailsRoot() + "/" + folder),
-                  std::set{md5Name("file://" + other)});
+        EXPECT_EQ(test::namesIn(thumbnailsRoot() + "/" + folder), std::set{kept});
     }
 }
 
@@ -279,9 +283,33 @@ TEST_F(ThumbnailCacheTest, MakesUprightThumbnailsWithinTheLongestSide) {
         EXPECT_EQ(image.size(), c.expected);
         EXPECT_EQ(image.text("Thumb::Image::Width").toInt(), c.size.width());
         // The dark band is on top.
-        EXPECT_LT(qGray(image.pixel(image.width() / 2, 0)), 60);
-        EXPECT_GT(qGray(image.pixel(image.width() / 2, image.height() - 1)), 0);
+        EXPECT_LT(qGray(image.pixel(image.width() / 2, 0)), 15);
+        EXPECT_GT(qGray(image.pixel(image.width() / 2, image.height() - 1)), 25);
     }
+}
+
+TEST_F(ThumbnailCacheTest, TurnsAPictureUprightAsItsOrientationSays) {
+    // Stored 400 × 200 with the band on top; orientation 6 shows it turned a quarter clockwise.
+    const std::string stored = dir.file("stored.jpg");
+    drawPicture(stored, {400, 200});
+    const std::string exif("\xFF\xE1\x00\x22"
+                           "Exif\0\0"
+                           "MM\x00\x2A\x00\x00\x00\x08"
+                           "\x00\x01"
+                           "\x01\x12\x00\x03\x00\x00\x00\x01\x00\x06\x00\x00"
+                           "\x00\x00\x00\x00",
+                           36);
+    const std::string jpeg = test::readFile(stored);
+    const std::string picture =
+        test::writeFile(dir.file("turned.jpg"), jpeg.substr(0, 2) + exif + jpeg.substr(2));
+
+    const QImage image = makeThumbnail(picture, 256);
+    EXPECT_EQ(image.size(), QSize(128, 256));
+    EXPECT_EQ(image.text("Thumb::Image::Width"), "200");
+    EXPECT_EQ(image.text("Thumb::Image::Height"), "400");
+    // The band (black) is now on the right, the blue on the left.
+    EXPECT_LT(qGray(image.pixel(image.width() - 1, 128)), 15);
+    EXPECT_GT(qGray(image.pixel(0, 128)), 25);
 }
 
 } // namespace
