@@ -9,22 +9,6 @@ namespace lumivale {
 
 namespace {
 
-void ignoreMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
-
-// libvips is started once per process, whichever thread needs it first.
-bool vipsStarted() {
-    static const bool started = [] {
-        if (VIPS_INIT("lumivale")) return false;
-        // Every picture is made into a thumbnail once: cached operations would only hold memory.
-        vips_cache_set_max(0);
-        // A damaged file gives no thumbnail, not warnings on the terminal.
-        g_log_set_handler("VIPS", GLogLevelFlags(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE),
-                          ignoreMessage, nullptr);
-        return true;
-    }();
-    return started;
-}
-
 // The size of the picture as shown, upright; 0 × 0 when its header cannot be read.
 QSize uprightSizeOf(const std::string& picture) {
     VipsRef<VipsSource> source(vips_source_new_from_file(picture.c_str()));
