@@ -97,6 +97,16 @@ Status writePng(const std::string& file, QImage image, const std::string& pictur
     return writeAtomically(file, std::string_view(bytes.constData(), bytes.size()));
 }
 
+// The image within `longest` pixels, in the form Qt paints fastest.
+QImage fitted(const QImage& image, int longest) {
+    const QImage within =
+        image.width() > longest || image.height() > longest
+            ? image.scaled(longest, longest, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+            : image;
+    return within.convertToFormat(within.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                           : QImage::Format_RGB32);
+}
+
 } // namespace
 
 int longestSideOf(Size size) {
@@ -160,8 +170,10 @@ void forget(const std::string& picture) {
 Thumbnail obtain(const std::string& picture, bool share) {
     const std::optional<Stamp> stamp = stampOf(picture);
     if (!stamp) return {};
-    if (QImage cached = lookUp(picture, Size::large, *stamp); !cached.isNull())
-        return {std::move(cached), Origin::cache};
+    // A larger one another program made serves as well, reduced.
+    for (Size size : {Size::large, Size::xLarge, Size::xxLarge})
+        if (QImage cached = lookUp(picture, size, *stamp); !cached.isNull())
+            return {fitted(cached, longestSideOf(Size::large)), Origin::cache};
     if (hasFailed(picture, *stamp)) return {};
     QImage made = makeThumbnail(picture, longestSideOf(Size::large));
     if (made.isNull()) {
@@ -170,11 +182,7 @@ Thumbnail obtain(const std::string& picture, bool share) {
     }
     if (share) {
         write(picture, Size::large, *stamp, made);
-        const int normal = longestSideOf(Size::normal);
-        QImage smaller =
-            made.width() > normal || made.height() > normal
-                ? made.scaled(normal, normal, Qt::KeepAspectRatio, Qt::SmoothTransformation)
-                : made;
+        QImage smaller = fitted(made, longestSideOf(Size::normal));
         for (const char* key : {"Thumb::Image::Width", "Thumb::Image::Height"})
             smaller.setText(key, made.text(key));
         write(picture, Size::normal, *stamp, smaller);
