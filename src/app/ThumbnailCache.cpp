@@ -29,6 +29,10 @@ std::string root() {
     return std::string(home ? home : "") + "/.cache/thumbnails";
 }
 
+std::string folderOf(Size size) {
+    return root() + "/" + sizeFolders[static_cast<size_t>(size)];
+}
+
 std::string absolutePathOf(const std::string& picture) {
     return std::filesystem::absolute(picture).lexically_normal();
 }
@@ -126,7 +130,7 @@ std::string uriOf(const std::string& picture) {
 }
 
 std::string pathOf(const std::string& picture, Size size) {
-    return root() + "/" + sizeFolders[static_cast<size_t>(size)] + "/" + fileNameOf(uriOf(picture));
+    return folderOf(size) + "/" + fileNameOf(uriOf(picture));
 }
 
 std::string failurePathOf(const std::string& picture) {
@@ -134,9 +138,9 @@ std::string failurePathOf(const std::string& picture) {
 }
 
 QImage lookUp(const std::string& picture, Size size, const Stamp& stamp) {
-    const std::string folder = root() + "/" + sizeFolders[static_cast<size_t>(size)] + "/";
     for (const std::string& uri : spellingsOf(picture))
-        if (QImage image = validImage(folder + fileNameOf(uri), uri, stamp); !image.isNull())
+        if (QImage image = validImage(folderOf(size) + "/" + fileNameOf(uri), uri, stamp);
+            !image.isNull())
             return image;
     return {};
 }
@@ -157,8 +161,8 @@ Status writeFailure(const std::string& picture, const Stamp& stamp) {
 
 void forget(const std::string& picture) {
     std::vector<std::string> folders;
-    for (const char* size : sizeFolders)
-        folders.push_back(root() + "/" + size);
+    for (Size size : {Size::normal, Size::large, Size::xLarge, Size::xxLarge})
+        folders.push_back(folderOf(size));
     std::error_code ec;
     for (const auto& entry : std::filesystem::directory_iterator(root() + "/fail", ec))
         folders.push_back(entry.path());
