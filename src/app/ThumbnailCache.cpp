@@ -190,6 +190,9 @@ Thumbnail obtain(const std::string& picture, bool share) {
         for (const char* key : {"Thumb::Image::Width", "Thumb::Image::Height"})
             smaller.setText(key, made.text(key));
         write(picture, Size::normal, *stamp, smaller);
+        // A picture locked away meanwhile is moved first and forgotten after: whichever of
+        // that and these writes comes last, no thumbnail of it stays.
+        if (!stampOf(picture)) forget(picture);
     }
     return {std::move(made), Origin::picture};
 }

@@ -43,7 +43,8 @@ Status write(const std::string& picture, Size size, const Stamp& stamp, const QI
 // Records that the picture, as stamped, cannot be read, so no one tries again until it changes.
 Status writeFailure(const std::string& picture, const Stamp& stamp);
 // Removes every size's thumbnail and every failure record of a picture, whichever program wrote
-// them, so no readable copy of it is left in the cache.
+// them, so no readable copy of it is left in the cache. Called once the picture has left its
+// place, it also undoes a thumbnail being written at that moment.
 void forget(const std::string& picture);
 
 // Where a thumbnail came from.

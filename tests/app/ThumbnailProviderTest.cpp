@@ -119,6 +119,19 @@ TEST_F(ThumbnailProviderTest, SharesOnlyThumbnailsOfReadShotsThatAreNotPrivate) 
     }
 }
 
+TEST_F(ThumbnailProviderTest, SharesAThumbnailOnceItsShotIsReadAndNotPrivate) {
+    const std::string picture = dir.file("later.png");
+    drawPicture(picture, Qt::yellow);
+    ThumbnailProvider provider;
+    Shot shot = shotOf(picture, false, false);
+    ASSERT_FALSE(thumbnailOf(provider, shot).isNull());
+    EXPECT_FALSE(fs::exists(largePathOf(picture)));
+    shot.readAt = now();
+    // Shown from memory meanwhile.
+    EXPECT_FALSE(provider.thumbnail(shot, false).isNull());
+    EXPECT_TRUE(waitFor([&] { return fs::exists(largePathOf(picture)); }));
+}
+
 TEST_F(ThumbnailProviderTest, ShowsACachedThumbnailWithoutMakingOrWritingIt) {
     const std::string picture = dir.file("cached.png");
     drawPicture(picture, Qt::yellow);
