@@ -28,11 +28,13 @@ class ThumbnailProvider : public QObject {
     ~ThumbnailProvider() override;
 
     // The shot's thumbnail (at most 256 pixels long), blurred if asked, at once when it is in
-    // memory; otherwise a null image (or the one of the file as it was), and `ready` follows.
-    // A null image also stands for a file that is not a picture.
+    // memory; otherwise a null image (or the one of the file as it was) while the work is queued,
+    // and `ready` follows. Still null after `ready`: the file is not a picture. Thumbnails of
+    // private shots, and of shots not read yet, are never written to the shared cache.
     QImage thumbnail(const Shot& shot, bool blurred);
-    // Makes what is on screen first and what is near next; queued work for any other path is
-    // dropped (a view asks again for what it shows).
+    // Orders the queued work: what is on screen first, then what is near (asked for with
+    // `thumbnail`, so that it is queued); queued work for any other path is dropped until a view
+    // asks for it again.
     void prioritise(const std::vector<std::string>& onScreen, const std::vector<std::string>& near);
     // The bytes of pixels kept in memory now.
     qint64 bytesHeld() const { return held_; }
