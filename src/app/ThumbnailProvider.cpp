@@ -2,9 +2,22 @@
 
 #include "app/ThumbnailBlur.h"
 
-namespace lumivale {
+#include <sys/resource.h>
+#include <unistd.h>
 
+namespace lumivale {
 namespace {
+
+// Thumbnail threads run at a lower priority than the window's own thread, so on a machine with
+// few cores scrolling never waits for a picture being shrunk. (Linux gives each thread its own
+// nice value.)
+void yieldToTheWindow() {
+    static thread_local bool done = false;
+    if (!done) {
+        setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), 10);
+        done = true;
+    }
+}
 
 // What an entry costs beyond its pixels: its record, its path twice, the list node.
 constexpr qint64 entryOverhead = 256;
@@ -86,6 +99,7 @@ void ThumbnailProvider::startMore() {
             if (!node) continue;
             running_.insert(path);
             pool_.start([this, path, request = node.mapped()] {
+                yieldToTheWindow();
                 Result result{path, request, ThumbnailCache::obtain(path, request.share), {}};
                 if (request.blur) result.blurred = blurredThumbnail(result.thumbnail.image);
                 QMetaObject::invokeMethod(
