@@ -80,6 +80,10 @@ inline void nextFolderChosen(const std::string& folder) {
         ASSERT_TRUE(dialog) << "no folder chooser opened";
         dialog->selectFile(QString::fromStdString(folder));
         static_cast<QDialog*>(dialog)->accept();
+        if (dialog->isVisible()) {
+            ADD_FAILURE() << "the folder chooser refused " << folder;
+            dialog->reject();
+        }
     });
 }
 
