@@ -26,17 +26,6 @@ std::string env(const char* name) {
     return value ? value : "";
 }
 
-AppModel::Services windowServices(AppModel::Services services) {
-    services.confirm = [](const std::string& message, const std::string& detail, const std::string& button) {
-        return confirmInDialog(QApplication::activeWindow(), message, detail, button);
-    };
-    // The desktop's own authentication dialog through polkit, else our password dialog; never
-    // the terminal, which a window's user may not even have.
-    services.authenticate = [auth = std::shared_ptr<Authenticator>(systemAuthenticator(passwordDialogPrompt()))](
-                                const std::string& reason) { return auth->authenticate(reason); };
-    return services;
-}
-
 // Offscreen, Qt notes what the platform cannot do (window hints, a missing runtime folder); only
 // real errors are worth printing.
 void onlyErrors(QtMsgType type, const QMessageLogContext&, const QString& message) {
@@ -69,6 +58,17 @@ int runWindow(const std::string& demoDir) {
 }
 
 } // namespace
+
+AppModel::Services windowServices(AppModel::Services services) {
+    services.confirm = [](const std::string& message, const std::string& detail, const std::string& button) {
+        return confirmInDialog(QApplication::activeWindow(), message, detail, button);
+    };
+    // The desktop's own authentication dialog through polkit, else our password dialog; never
+    // the terminal, which a window's user may not even have.
+    services.authenticate = [auth = std::shared_ptr<Authenticator>(systemAuthenticator(passwordDialogPrompt()))](
+                                const std::string& reason) { return auth->authenticate(reason); };
+    return services;
+}
 
 int run(int argc, char** argv) {
     const std::string snapshots = env("LUMIVALE_SNAPSHOT_DIR");
