@@ -87,6 +87,18 @@ TEST(SettingsDialog, foldersAreAddedSwitchedOffAndRemoved) {
     model.waitUntilIdle();
 }
 
+TEST(SettingsDialog, aFolderThatCannotBeOpenedIsMarked) {
+    WindowWorld world;
+    AppModel& model = world.open({"receipt.png"});
+    const std::string notAFolder = test::writeFile(world.tmp.file("notes.txt"), "not a folder");
+    model.addFolder(notAFolder);
+    model.waitUntilIdle();
+    auto* list = test::child<QListWidget>(world.window().showSettings(), "folderList");
+    ASSERT_EQ(list->count(), 3);
+    EXPECT_EQ(list->item(1)->text().toStdString(), notAFolder + " \u2014 can't be opened");
+    EXPECT_EQ(list->item(0)->text().toStdString(), world.shots() + " (screenshot folder)");
+}
+
 TEST(SettingsDialog, theArchiveCanBeMoved) {
     WindowWorld world;
     AppModel& model = world.open({"receipt.png"});

@@ -20,7 +20,15 @@ struct WidgetsApp {
     WidgetsApp() {
         static int argc = 1;
         static char name[] = "lumivale-ui-test", *argv[] = {name, nullptr};
-        if (!QApplication::instance()) new QApplication(argc, argv);
+        if (QApplication::instance())
+            return;
+        new QApplication(argc, argv);
+        // The offscreen platform says what it cannot do (raise a window, size hints) every time.
+        static const QtMessageHandler standard = qInstallMessageHandler(nullptr);
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
+            if (!message.startsWith("This plugin does not support"))
+                standard(type, context, message);
+        });
     }
 };
 
