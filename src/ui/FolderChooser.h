@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-
 #include <optional>
 #include <string>
 
@@ -11,7 +10,7 @@ namespace lumivale {
 
 // Asks for a folder in a folder chooser that says `message` and whose button reads `accept`,
 // starting at `start`; nothing when the user cancels.
-std::optional<std::string> chooseFolder(QWidget* parent, const QString& message, const QString& accept,
-                                        const std::string& start);
+std::optional<std::string> chooseFolder(QWidget* parent, const QString& message,
+                                        const QString& accept, const std::string& start);
 
 } // namespace lumivale

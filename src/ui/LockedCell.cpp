@@ -17,43 +17,49 @@ constexpr int pictureWidth = 184, pictureHeight = 132, padding = 8;
 
 } // namespace
 
-LockedCell::LockedCell(AppModel& model, QObject* parent) : QStyledItemDelegate(parent), model_(model), lock_(Icons::tinted("locked", Qt::white)) {
+LockedCell::LockedCell(AppModel& model, QObject* parent)
+    : QStyledItemDelegate(parent), model_(model), lock_(Icons::tinted("locked", Qt::white)) {
     connect(&model_, &AppModel::vaultChanged, this, [this] {
-        if (!model_.vaultOpen())
-            pictures_.clear();
+        if (!model_.vaultOpen()) pictures_.clear();
     });
 }
 
-QSize LockedCell::cellSize() { return {pictureWidth + 2 * padding, pictureHeight + 2 * padding + 28}; }
+QSize LockedCell::cellSize() {
+    return {pictureWidth + 2 * padding, pictureHeight + 2 * padding + 28};
+}
 
-QSize LockedCell::sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const { return cellSize(); }
+QSize LockedCell::sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const {
+    return cellSize();
+}
 
 QString LockedCell::lockedText(const LockedShot& item) {
-    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(item.lockedAt.time_since_epoch()).count();
-    return tr("Locked %1").arg(QLocale().toString(QDateTime::fromMSecsSinceEpoch(ms), QLocale::ShortFormat));
+    const auto ms =
+        std::chrono::duration_cast<std::chrono::milliseconds>(item.lockedAt.time_since_epoch())
+            .count();
+    return tr("Locked %1")
+        .arg(QLocale().toString(QDateTime::fromMSecsSinceEpoch(ms), QLocale::ShortFormat));
 }
 
 QPixmap LockedCell::picture(const QString& id, const QSize& size, qreal ratio) const {
-    if (const auto found = pictures_.find(id); found != pictures_.end())
-        return *found;
+    if (const auto found = pictures_.find(id); found != pictures_.end()) return *found;
     const std::optional<QImage> image = model_.lockedImage(id.toStdString());
-    if (!image)
-        return {};
+    if (!image) return {};
     // Filled and cropped to the cell, like the grid's thumbnails.
-    QImage scaled = image->scaled(size * ratio, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
-    scaled = scaled.copy((scaled.width() - qRound(size.width() * ratio)) / 2, 0, qRound(size.width() * ratio),
-                         qRound(size.height() * ratio));
+    QImage scaled =
+        image->scaled(size * ratio, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
+    scaled = scaled.copy((scaled.width() - qRound(size.width() * ratio)) / 2, 0,
+                         qRound(size.width() * ratio), qRound(size.height() * ratio));
     QPixmap pixmap = QPixmap::fromImage(scaled);
     pixmap.setDevicePixelRatio(ratio);
     pictures_.insert(id, pixmap);
     return pixmap;
 }
 
-void LockedCell::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+void LockedCell::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                       const QModelIndex& index) const {
     const auto* list = qobject_cast<const LockedListModel*>(index.model());
     const LockedShot* item = list ? list->item(index.row()) : nullptr;
-    if (!item)
-        return;
+    if (!item) return;
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     const QPalette& palette = option.palette;
@@ -67,14 +73,15 @@ void LockedCell::paint(QPainter* painter, const QStyleOptionViewItem& option, co
         painter->drawRoundedRect(cell, 8, 8);
     }
 
-    const QRect area(cell.left() + padding - 2, cell.top() + padding - 2, pictureWidth, pictureHeight);
+    const QRect area(cell.left() + padding - 2, cell.top() + padding - 2, pictureWidth,
+                     pictureHeight);
     QPainterPath clip;
     clip.addRoundedRect(area, 6, 6);
     painter->setClipPath(clip);
     painter->fillRect(area, palette.color(QPalette::AlternateBase));
-    const QPixmap pixmap = picture(index.data(LockedListModel::IdRole).toString(), area.size(), painter->device()->devicePixelRatioF());
-    if (!pixmap.isNull())
-        painter->drawPixmap(area.topLeft(), pixmap);
+    const QPixmap pixmap = picture(index.data(LockedListModel::IdRole).toString(), area.size(),
+                                   painter->device()->devicePixelRatioF());
+    if (!pixmap.isNull()) painter->drawPixmap(area.topLeft(), pixmap);
     painter->setClipping(false);
 
     // The overlay: a lock in a round mark at the top right.
@@ -86,8 +93,9 @@ void LockedCell::paint(QPainter* painter, const QStyleOptionViewItem& option, co
 
     painter->setPen(palette.color(selected ? QPalette::Text : QPalette::PlaceholderText));
     const QRect text(area.left(), area.bottom() + 6, area.width(), option.fontMetrics.height() + 4);
-    painter->drawText(text, Qt::AlignLeft | Qt::AlignVCenter,
-                      option.fontMetrics.elidedText(lockedText(*item), Qt::ElideRight, text.width()));
+    painter->drawText(
+        text, Qt::AlignLeft | Qt::AlignVCenter,
+        option.fontMetrics.elidedText(lockedText(*item), Qt::ElideRight, text.width()));
     painter->restore();
 }
 

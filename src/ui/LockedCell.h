@@ -15,17 +15,18 @@ struct LockedShot;
 class LockedCell : public QStyledItemDelegate {
     Q_OBJECT
 
-public:
+  public:
     LockedCell(AppModel& model, QObject* parent = nullptr);
 
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
     static QSize cellSize();
     // "Locked " and the day and time it was locked.
     static QString lockedText(const LockedShot& item);
 
-private:
+  private:
     AppModel& model_;
     QIcon lock_;
     // Pictures scaled for the cell, dropped the moment the locked area closes.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QScrollArea>
-
 #include <optional>
 
 class QFormLayout;
@@ -18,10 +17,10 @@ struct LockedShot;
 class LockedInspector : public QScrollArea {
     Q_OBJECT
 
-public:
+  public:
     explicit LockedInspector(AppModel& model, QWidget* parent = nullptr);
 
-private:
+  private:
     AppModel& model_;
     QLabel* nothing_;
     QWidget* details_;

@@ -13,7 +13,7 @@ class AppModel;
 class LockedListModel : public QAbstractListModel {
     Q_OBJECT
 
-public:
+  public:
     enum Role { IdRole = Qt::UserRole + 1 };
 
     explicit LockedListModel(AppModel& model, QObject* parent = nullptr);
@@ -26,7 +26,7 @@ public:
     // The row of an item, or -1.
     int rowOf(const std::string& id) const;
 
-private:
+  private:
     AppModel& model_;
     std::vector<LockedShot> items_;
 

@@ -11,7 +11,6 @@
 #include <QPushButton>
 #include <QStyleOptionFrame>
 #include <QVBoxLayout>
-
 #include <openssl/crypto.h>
 
 namespace lumivale {
@@ -25,7 +24,9 @@ PasswordField::PasswordField(QWidget* parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
-PasswordField::~PasswordField() { wipe(); }
+PasswordField::~PasswordField() {
+    wipe();
+}
 
 void PasswordField::wipe() {
     OPENSSL_cleanse(typed_.data(), typed_.size());
@@ -41,8 +42,9 @@ SecretText PasswordField::take() {
 
 int PasswordField::length() const {
     // Characters, not bytes: continuation bytes of UTF-8 do not count.
-    return static_cast<int>(std::count_if(typed_.begin(), typed_.begin() + static_cast<long>(size_),
-                                          [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+    return static_cast<int>(
+        std::count_if(typed_.begin(), typed_.begin() + static_cast<long>(size_),
+                      [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
 void PasswordField::keyPressEvent(QKeyEvent* event) {
@@ -71,7 +73,9 @@ void PasswordField::keyPressEvent(QKeyEvent* event) {
     update();
 }
 
-QSize PasswordField::sizeHint() const { return {280, fontMetrics().height() + 14}; }
+QSize PasswordField::sizeHint() const {
+    return {280, fontMetrics().height() + 14};
+}
 
 void PasswordField::paintEvent(QPaintEvent*) {
     QPainter painter(this);
@@ -119,8 +123,7 @@ PasswordDialog::PasswordDialog(const QString& reason, QWidget* parent) : QDialog
 PasswordPrompt passwordDialogPrompt() {
     return [](const std::string& reason) -> std::optional<SecretText> {
         PasswordDialog dialog(QString::fromStdString(reason), QApplication::activeWindow());
-        if (dialog.exec() != QDialog::Accepted)
-            return std::nullopt;
+        if (dialog.exec() != QDialog::Accepted) return std::nullopt;
         return dialog.field()->take();
     };
 }

@@ -4,7 +4,6 @@
 
 #include <QDialog>
 #include <QWidget>
-
 #include <array>
 
 namespace lumivale {
@@ -14,7 +13,7 @@ namespace lumivale {
 class PasswordField : public QWidget {
     Q_OBJECT
 
-public:
+  public:
     explicit PasswordField(QWidget* parent = nullptr);
     ~PasswordField() override;
 
@@ -23,15 +22,15 @@ public:
     // The number of characters typed.
     int length() const;
 
-signals:
+  signals:
     void returnPressed();
 
-protected:
+  protected:
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     QSize sizeHint() const override;
 
-private:
+  private:
     std::array<char, 1024> typed_{};
     size_t size_ = 0;
 
@@ -42,11 +41,11 @@ private:
 class PasswordDialog : public QDialog {
     Q_OBJECT
 
-public:
+  public:
     PasswordDialog(const QString& reason, QWidget* parent = nullptr);
     PasswordField* field() const { return field_; }
 
-private:
+  private:
     PasswordField* field_;
 };
 

@@ -36,18 +36,15 @@ QLabel* hint(const QString& text, QWidget* parent) {
 QString languageName(const std::string& tag) {
     const QString code = QString::fromStdString(tag);
     const QLocale locale(QString(code).replace('-', '_'));
-    if (locale.language() == QLocale::C)
-        return code;
+    if (locale.language() == QLocale::C) return code;
     return QString("%1 (%2)").arg(QLocale::languageToString(locale.language()), code);
 }
 
 const Source* sourceAt(const AppModel& model, const QListWidgetItem* item) {
-    if (!item)
-        return nullptr;
+    if (!item) return nullptr;
     const std::string path = item->data(PathRole).toString().toStdString();
     for (const Source& source : model.sources())
-        if (source.path == path)
-            return &source;
+        if (source.path == path) return &source;
     return nullptr;
 }
 
@@ -74,8 +71,7 @@ SettingsDialog::SettingsDialog(AppModel& model, QWidget* parent) : QDialog(paren
     lockAfter_->setRange(1, 240);
     lockAfter_->setSuffix(tr(" minutes"));
     connect(lockAfter_, &QSpinBox::valueChanged, this, [this](int minutes) {
-        if (minutes != model_.lockAfterMinutes())
-            model_.setLockAfterMinutes(minutes);
+        if (minutes != model_.lockAfterMinutes()) model_.setLockAfterMinutes(minutes);
     });
     privacyLayout->addRow(tr("Lock the locked area after"), lockAfter_);
     layout->addWidget(privacy);
@@ -91,7 +87,9 @@ SettingsDialog::SettingsDialog(AppModel& model, QWidget* parent) : QDialog(paren
     change->setObjectName("changeArchiveButton");
     change->setAccessibleName(tr("Change where tidied screenshots go"));
     connect(change, &QPushButton::clicked, this, [this] {
-        if (const auto folder = chooseFolder(this, tr("Choose where tidied screenshots go. Lumivale makes a folder per shelf inside it."),
+        if (const auto folder = chooseFolder(this,
+                                             tr("Choose where tidied screenshots go. Lumivale "
+                                                "makes a folder per shelf inside it."),
                                              tr("Use This Folder"), model_.paths().archive))
             model_.setArchive(*folder);
     });
@@ -123,8 +121,7 @@ QWidget* SettingsDialog::foldersBox() {
     connect(folders_, &QListWidget::itemChanged, this, [this](QListWidgetItem* item) {
         const Source* source = sourceAt(model_, item);
         const bool on = item->checkState() == Qt::Checked;
-        if (source && source->enabled != on)
-            model_.setEnabled(Source(*source), on);
+        if (source && source->enabled != on) model_.setEnabled(Source(*source), on);
     });
     connect(folders_, &QListWidget::currentItemChanged, this, &SettingsDialog::updateRemove);
     layout->addWidget(folders_);
@@ -132,22 +129,23 @@ QWidget* SettingsDialog::foldersBox() {
     watch_ = watch;
     watch_->setObjectName("watchBox");
     connect(watch_, &QCheckBox::toggled, this, [this](bool on) {
-        if (on != model_.watch())
-            model_.setWatch(on);
+        if (on != model_.watch()) model_.setWatch(on);
     });
     auto* buttons = new QHBoxLayout;
     auto* add = new QPushButton(Icons::symbol("add", "list-add"), tr("Add Folder…"), box);
     add->setObjectName("addFolderButton");
     connect(add, &QPushButton::clicked, this, [this] {
-        if (const auto folder = chooseFolder(this, tr("Choose a folder of pictures for Lumivale to read."), tr("Add Folder"),
-                                             QDir::homePath().toStdString()))
+        if (const auto folder =
+                chooseFolder(this, tr("Choose a folder of pictures for Lumivale to read."),
+                             tr("Add Folder"), QDir::homePath().toStdString()))
             model_.addFolder(*folder);
     });
     remove_ = new QPushButton(Icons::symbol("remove", "list-remove"), tr("Remove"), box);
     remove_->setObjectName("removeFolderButton");
     remove_->setAccessibleName(tr("Remove the chosen folder"));
     connect(remove_, &QPushButton::clicked, this, [this] {
-        if (const Source* source = sourceAt(model_, folders_->currentItem()); source && source->kind == Source::Kind::added)
+        if (const Source* source = sourceAt(model_, folders_->currentItem());
+            source && source->kind == Source::Kind::added)
             model_.removeFolder(Source(*source));
     });
     buttons->addWidget(add);
@@ -169,15 +167,17 @@ QWidget* SettingsDialog::languagesBox() {
     list->setWordWrap(true);
     list->setTextInteractionFlags(Qt::TextSelectableByMouse);
     layout->addWidget(list);
-    layout->addWidget(hint(tr("Lumivale reads the languages whose recognition models are installed. The packages "
-                              "tesseract-ocr-LANG add more, for example tesseract-ocr-deu for German."),
-                           box));
+    layout->addWidget(
+        hint(tr("Lumivale reads the languages whose recognition models are installed. The packages "
+                "tesseract-ocr-LANG add more, for example tesseract-ocr-deu for German."),
+             box));
     return box;
 }
 
 void SettingsDialog::showFolders() {
     const std::string home = QDir::homePath().toStdString();
-    const QString current = folders_->currentItem() ? folders_->currentItem()->data(PathRole).toString() : QString();
+    const QString current =
+        folders_->currentItem() ? folders_->currentItem()->data(PathRole).toString() : QString();
     const QSignalBlocker quiet(folders_);
     folders_->clear();
     for (const Source& source : model_.sources()) {
@@ -196,12 +196,10 @@ void SettingsDialog::showFolders() {
         }
         Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
         // The archive is always read: tidied screenshots would vanish from view otherwise.
-        if (source.kind != Source::Kind::archive)
-            flags |= Qt::ItemIsUserCheckable;
+        if (source.kind != Source::Kind::archive) flags |= Qt::ItemIsUserCheckable;
         item->setFlags(flags);
         item->setCheckState(source.enabled ? Qt::Checked : Qt::Unchecked);
-        if (item->data(PathRole).toString() == current)
-            folders_->setCurrentItem(item);
+        if (item->data(PathRole).toString() == current) folders_->setCurrentItem(item);
     }
     updateRemove();
 }
@@ -210,7 +208,8 @@ void SettingsDialog::showSettings() {
     blur_->setChecked(model_.blurPrivate());
     watch_->setChecked(model_.watch());
     lockAfter_->setValue(model_.lockAfterMinutes());
-    archive_->setText(QString::fromStdString(ScreenshotFolder::displayName(model_.paths().archive, QDir::homePath().toStdString())));
+    archive_->setText(QString::fromStdString(
+        ScreenshotFolder::displayName(model_.paths().archive, QDir::homePath().toStdString())));
     archive_->setToolTip(QString::fromStdString(model_.paths().archive));
 }
 

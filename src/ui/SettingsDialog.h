@@ -18,10 +18,10 @@ class AppModel;
 class SettingsDialog : public QDialog {
     Q_OBJECT
 
-public:
+  public:
     explicit SettingsDialog(AppModel& model, QWidget* parent = nullptr);
 
-private:
+  private:
     AppModel& model_;
     QListWidget* folders_;
     QPushButton* remove_;

@@ -25,9 +25,13 @@ namespace {
 
 constexpr int previewMoves = 6; // rows shown before "and … more"
 
-QString qs(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
+QString qs(std::string_view s) {
+    return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size()));
+}
 
-QString count(int64_t n) { return QLocale().toString(static_cast<qlonglong>(n)); }
+QString count(int64_t n) {
+    return QLocale().toString(static_cast<qlonglong>(n));
+}
 
 QLabel* wrapped(const QString& text, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -76,7 +80,8 @@ TidySheet::TidySheet(AppModel& model, QWidget* parent) : QDialog(parent), model_
     auto* modeRow = new QHBoxLayout;
     modeRow->setSpacing(0);
     modes_ = new QButtonGroup(this);
-    const std::pair<Mode, QString> modes[] = {{Mode::file, tr("File into folders")}, {Mode::clear, tr("Clear out old ones")}};
+    const std::pair<Mode, QString> modes[] = {{Mode::file, tr("File into folders")},
+                                              {Mode::clear, tr("Clear out old ones")}};
     for (const auto& [mode, text] : modes) {
         auto* button = new QToolButton(this);
         button->setText(text);
@@ -98,8 +103,9 @@ TidySheet::TidySheet(AppModel& model, QWidget* parent) : QDialog(parent), model_
     auto* scopeBox = new QVBoxLayout;
     scopeBox->setSpacing(4);
     scopes_ = new QButtonGroup(this);
-    const std::pair<TidyScope, const char*> scopes[] = {
-        {TidyScope::loose, "scopeLoose"}, {TidyScope::view, "scopeView"}, {TidyScope::everything, "scopeEverything"}};
+    const std::pair<TidyScope, const char*> scopes[] = {{TidyScope::loose, "scopeLoose"},
+                                                        {TidyScope::view, "scopeView"},
+                                                        {TidyScope::everything, "scopeEverything"}};
     for (const auto& [scope, name] : scopes) {
         auto* button = new QRadioButton(this);
         button->setObjectName(name);
@@ -158,8 +164,8 @@ TidySheet::TidySheet(AppModel& model, QWidget* parent) : QDialog(parent), model_
     layout->addLayout(footer);
 
     connect(this, &QDialog::finished, &model_, [this] { model_.setShowTidy(false); });
-    for (auto signal : {&AppModel::libraryChanged, &AppModel::placeChanged, &AppModel::settingsChanged,
-                        &AppModel::sourcesChanged})
+    for (auto signal : {&AppModel::libraryChanged, &AppModel::placeChanged,
+                        &AppModel::settingsChanged, &AppModel::sourcesChanged})
         connect(&model_, signal, this, &TidySheet::refresh);
     refresh();
 }
@@ -208,11 +214,13 @@ QWidget* TidySheet::clearOptions() {
     auto* page = new QWidget(this);
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(wrapped(tr("Clear out the ones you'll never need again. They go to the Trash."), page));
+    layout->addWidget(
+        wrapped(tr("Clear out the ones you'll never need again. They go to the Trash."), page));
     auto* ageRow = new QHBoxLayout;
     ageRow->addWidget(new QLabel(tr("Older than"), page));
     ages_ = new QButtonGroup(this);
-    const std::pair<int, QString> ages[] = {{30, tr("1 month")}, {90, tr("3 months")}, {182, tr("6 months")}, {365, tr("1 year")}};
+    const std::pair<int, QString> ages[] = {
+        {30, tr("1 month")}, {90, tr("3 months")}, {182, tr("6 months")}, {365, tr("1 year")}};
     for (const auto& [days, text] : ages) {
         auto* button = new QRadioButton(text, page);
         button->setObjectName(QString("age%1").arg(days));
@@ -226,28 +234,33 @@ QWidget* TidySheet::clearOptions() {
         refresh();
     });
     layout->addLayout(ageRow);
-    auto* notForGood = wrapped(tr("They go to the Trash, not away for good. Undo, or Restore in your file manager, "
-                                  "brings them back until you empty it."),
-                               page);
+    auto* notForGood = wrapped(
+        tr("They go to the Trash, not away for good. Undo, or Restore in your file manager, "
+           "brings them back until you empty it."),
+        page);
     notForGood->setEnabled(false);
     layout->addWidget(notForGood);
     return page;
 }
 
 void TidySheet::chooseArchive() {
-    const auto folder = chooseFolder(this, tr("Choose where tidied screenshots go. Lumivale makes a folder per shelf inside it."),
-                                     tr("Use This Folder"), model_.paths().archive);
-    if (folder)
-        model_.setArchive(*folder);
+    const auto folder = chooseFolder(
+        this,
+        tr("Choose where tidied screenshots go. Lumivale makes a folder per shelf inside it."),
+        tr("Use This Folder"), model_.paths().archive);
+    if (folder) model_.setArchive(*folder);
 }
 
 void TidySheet::refresh() {
     const bool file = mode_ == Mode::file;
     options_->setCurrentIndex(file ? 0 : 1);
     for (QAbstractButton* button : scopes_->buttons())
-        button->setText(QString::fromStdString(tidyScopeLabel(model_, static_cast<TidyScope>(scopes_->id(button)))));
-    keepPrivate_->setText(file ? tr("Leave IDs and documents where they are") : tr("Leave IDs and documents alone"));
-    archive_->setText(QString::fromStdString(ScreenshotFolder::displayName(model_.paths().archive, QDir::homePath().toStdString())));
+        button->setText(QString::fromStdString(
+            tidyScopeLabel(model_, static_cast<TidyScope>(scopes_->id(button)))));
+    keepPrivate_->setText(file ? tr("Leave IDs and documents where they are")
+                               : tr("Leave IDs and documents alone"));
+    archive_->setText(QString::fromStdString(
+        ScreenshotFolder::displayName(model_.paths().archive, QDir::homePath().toStdString())));
     archive_->setToolTip(QString::fromStdString(model_.paths().archive));
     note_->setVisible(file);
     clearLayout(previewRows_);
@@ -306,7 +319,8 @@ void TidySheet::showPlan() {
         previewRows_->addWidget(row);
     }
     if (n > previewMoves)
-        previewLine(tr("and %1 more").arg(count(n - previewMoves)), "previewMore")->setEnabled(false);
+        previewLine(tr("and %1 more").arg(count(n - previewMoves)), "previewMore")
+            ->setEnabled(false);
 }
 
 void TidySheet::showOld() {
@@ -325,8 +339,7 @@ void TidySheet::showOld() {
     const Tally tally(old_);
     for (Shelf shelf : allShelves) {
         const int64_t onShelf = tally.count(shelf);
-        if (onShelf == 0)
-            continue;
+        if (onShelf == 0) continue;
         auto* row = new QWidget(preview_);
         row->setObjectName("previewRow");
         const QString title = qs(shelfTitle(shelf));
@@ -354,8 +367,7 @@ void TidySheet::run() {
     for (const ShotPtr& shot : old_)
         paths.push_back(shot->path);
     // Declining the Trash's question leaves the sheet open with its choices.
-    if (model_.trash(paths))
-        done(QDialog::Accepted);
+    if (model_.trash(paths)) done(QDialog::Accepted);
 }
 
 } // namespace lumivale

@@ -22,7 +22,7 @@ class AppModel;
 class TidySheet : public QDialog {
     Q_OBJECT
 
-public:
+  public:
     enum class Mode { file, clear };
 
     explicit TidySheet(AppModel& model, QWidget* parent = nullptr);
@@ -30,7 +30,7 @@ public:
     Mode mode() const { return mode_; }
     const TidyChoices& choices() const { return choices_; }
 
-private:
+  private:
     AppModel& model_;
     Mode mode_ = Mode::file;
     TidyChoices choices_;

@@ -20,7 +20,9 @@
 namespace lumivale {
 namespace {
 
-QString count(int64_t n) { return QLocale().toString(static_cast<qlonglong>(n)); }
+QString count(int64_t n) {
+    return QLocale().toString(static_cast<qlonglong>(n));
+}
 
 QLabel* centred(QWidget* parent) {
     auto* label = new QLabel(parent);
@@ -37,7 +39,8 @@ VaultView::VaultView(AppModel& model, QWidget* parent) : QWidget(parent), model_
     stack_ = new QStackedLayout(this);
     stack_->addWidget(closed_ = closedPanel());
     stack_->addWidget(open_ = openView());
-    for (auto signal : {&AppModel::vaultChanged, &AppModel::libraryChanged, &AppModel::settingsChanged})
+    for (auto signal :
+         {&AppModel::vaultChanged, &AppModel::libraryChanged, &AppModel::settingsChanged})
         connect(&model_, signal, this, &VaultView::refresh);
     // Clicks, keys and scrolling anywhere in the open view count as working in it.
     qApp->installEventFilter(this);
@@ -78,7 +81,8 @@ QWidget* VaultView::closedPanel() {
     review_->setFlat(true);
     review_->setCursor(Qt::PointingHandCursor);
     review_->setStyleSheet("QPushButton { color: palette(link); }");
-    connect(review_, &QPushButton::clicked, this, [this] { model_.setPlace(Place::of(Place::Kind::privateOnes)); });
+    connect(review_, &QPushButton::clicked, this,
+            [this] { model_.setPlace(Place::of(Place::Kind::privateOnes)); });
     layout->addWidget(review_, 0, Qt::AlignHCenter);
     auto* outer = new QGridLayout(panel);
     outer->addWidget(column, 1, 1);
@@ -128,12 +132,15 @@ QWidget* VaultView::openView() {
     grid_->setModel(items_);
     grid_->setItemDelegate(cell_);
     grid_->setGridSize(LockedCell::cellSize() + QSize(4, 4));
-    connect(grid_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
-        const auto id = current.isValid() ? std::optional(current.data(LockedListModel::IdRole).toString().toStdString())
-                                          : std::nullopt;
-        if (id != model_.lockedSelection())
-            model_.setLockedSelection(id);
-    });
+    connect(grid_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& current) {
+                const auto id =
+                    current.isValid()
+                        ? std::optional(
+                              current.data(LockedListModel::IdRole).toString().toStdString())
+                        : std::nullopt;
+                if (id != model_.lockedSelection()) model_.setLockedSelection(id);
+            });
     connect(items_, &QAbstractItemModel::modelReset, this, &VaultView::followSelection);
     inspector_ = new LockedInspector(model_, view);
 
@@ -154,19 +161,23 @@ void VaultView::refresh() {
     stack_->setCurrentWidget(open ? open_ : closed_);
     const int64_t n = model_.vaultCount();
     if (n > 0) {
-        headline_->setText(n == 1 ? tr("1 screenshot locked") : tr("%1 screenshots locked").arg(count(n)));
-        explanation_->setText(tr("Encrypted on this computer. Their words are locked too, so they don't show up in "
-                                 "search until you open this."));
+        headline_->setText(n == 1 ? tr("1 screenshot locked")
+                                  : tr("%1 screenshots locked").arg(count(n)));
+        explanation_->setText(
+            tr("Encrypted on this computer. Their words are locked too, so they don't show up in "
+               "search until you open this."));
     } else {
         headline_->setText(tr("Nothing locked yet"));
-        explanation_->setText(tr("Lock away screenshots of IDs, cards and documents. Lumivale encrypts them on this "
-                                 "computer, with a key kept in your keyring, and opens them only with your fingerprint "
-                                 "or your account password."));
+        explanation_->setText(tr(
+            "Lock away screenshots of IDs, cards and documents. Lumivale encrypts them on this "
+            "computer, with a key kept in your keyring, and opens them only with your fingerprint "
+            "or your account password."));
     }
     const int64_t privateOnes = model_.tally().sensitive;
     review_->setVisible(privateOnes > 0);
-    review_->setText(privateOnes == 1 ? tr("Review 1 private screenshot")
-                                      : tr("Review %1 private screenshots").arg(count(privateOnes)));
+    review_->setText(privateOnes == 1
+                         ? tr("Review 1 private screenshot")
+                         : tr("Review %1 private screenshots").arg(count(privateOnes)));
     lockLine_->setText(tr("Locks itself when you leave Lumivale for a minute, or after %1 minutes.")
                            .arg(model_.lockAfterMinutes()));
     followSelection();
@@ -177,12 +188,12 @@ void VaultView::followSelection() {
     const int row = id ? items_->rowOf(*id) : -1;
     const QModelIndex current = grid_->currentIndex();
     if (row < 0) {
-        if (current.isValid())
-            grid_->selectionModel()->clear();
+        if (current.isValid()) grid_->selectionModel()->clear();
         return;
     }
     if (current.row() != row)
-        grid_->selectionModel()->setCurrentIndex(items_->index(row), QItemSelectionModel::ClearAndSelect);
+        grid_->selectionModel()->setCurrentIndex(items_->index(row),
+                                                 QItemSelectionModel::ClearAndSelect);
 }
 
 bool VaultView::eventFilter(QObject* watched, QEvent* event) {
@@ -191,10 +202,12 @@ bool VaultView::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::KeyPress:
     case QEvent::Wheel:
         if (auto* widget = qobject_cast<QWidget*>(watched);
-            widget && model_.vaultOpen() && open_->isVisible() && (widget == open_ || open_->isAncestorOf(widget)))
+            widget && model_.vaultOpen() && open_->isVisible() &&
+            (widget == open_ || open_->isAncestorOf(widget)))
             model_.touchVault();
         break;
-    default: break;
+    default:
+        break;
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -20,15 +20,15 @@ class LockedListModel;
 class VaultView : public QWidget {
     Q_OBJECT
 
-public:
+  public:
     explicit VaultView(AppModel& model, QWidget* parent = nullptr);
 
     QListView* grid() const { return grid_; }
 
-protected:
+  protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
-private:
+  private:
     AppModel& model_;
     QStackedLayout* stack_;
     QWidget* closed_;

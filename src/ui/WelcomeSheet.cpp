@@ -44,14 +44,18 @@ WelcomeSheet::WelcomeSheet(AppModel& model, QWidget* parent) : QDialog(parent), 
     top->addWidget(title, 1);
     layout->addLayout(top);
 
-    layout->addWidget(wrapped(tr("Lumivale keeps your screenshots in order. It reads the words in each one and puts it "
-                                 "on a shelf: IDs and documents, bills and receipts, tickets, chats, code, shopping "
-                                 "and maps."),
-                              this));
-    layout->addWidget(wrapped(tr("Find any screenshot by the words inside it, file them into folders with Undo for "
-                                 "everything, and lock private ones away."),
-                              this));
-    auto* local = wrapped(tr("<b>Nothing leaves this computer.</b> Reading, sorting and encryption all happen here."), this);
+    layout->addWidget(wrapped(
+        tr("Lumivale keeps your screenshots in order. It reads the words in each one and puts it "
+           "on a shelf: IDs and documents, bills and receipts, tickets, chats, code, shopping "
+           "and maps."),
+        this));
+    layout->addWidget(wrapped(
+        tr("Find any screenshot by the words inside it, file them into folders with Undo for "
+           "everything, and lock private ones away."),
+        this));
+    auto* local = wrapped(
+        tr("<b>Nothing leaves this computer.</b> Reading, sorting and encryption all happen here."),
+        this);
     local->setObjectName("welcomePrivacy");
     layout->addWidget(local);
 
@@ -68,8 +72,9 @@ WelcomeSheet::WelcomeSheet(AppModel& model, QWidget* parent) : QDialog(parent), 
     add->setObjectName("addFolderButton");
     add->setAutoDefault(false);
     connect(add, &QPushButton::clicked, this, [this] {
-        if (const auto folder = chooseFolder(this, tr("Choose a folder of pictures for Lumivale to read."), tr("Add Folder"),
-                                             QDir::homePath().toStdString()))
+        if (const auto folder =
+                chooseFolder(this, tr("Choose a folder of pictures for Lumivale to read."),
+                             tr("Add Folder"), QDir::homePath().toStdString()))
             model_.addFolder(*folder);
     });
     layout->addWidget(add, 0, Qt::AlignLeft);
@@ -98,10 +103,13 @@ void WelcomeSheet::refresh() {
     const std::string home = QDir::homePath().toStdString();
     QStringList lines;
     for (const Source& source : model_.sources()) {
-        if (source.kind == Source::Kind::archive)
-            continue;
-        const QString name = QString::fromStdString(ScreenshotFolder::displayName(source.path, home)).toHtmlEscaped();
-        lines << (source.kind == Source::Kind::screenshots ? tr("%1 <i>(where your screenshots are saved)</i>").arg(name) : name);
+        if (source.kind == Source::Kind::archive) continue;
+        const QString name =
+            QString::fromStdString(ScreenshotFolder::displayName(source.path, home))
+                .toHtmlEscaped();
+        lines << (source.kind == Source::Kind::screenshots
+                      ? tr("%1 <i>(where your screenshots are saved)</i>").arg(name)
+                      : name);
     }
     folders_->setText(lines.join("<br>"));
     blur_->setChecked(model_.blurPrivate());

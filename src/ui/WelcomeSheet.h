@@ -15,10 +15,10 @@ class AppModel;
 class WelcomeSheet : public QDialog {
     Q_OBJECT
 
-public:
+  public:
     explicit WelcomeSheet(AppModel& model, QWidget* parent = nullptr);
 
-private:
+  private:
     AppModel& model_;
     QLabel* folders_;
     QCheckBox* blur_;

@@ -1,7 +1,8 @@
 // The settings over a real model: each control changes the model and the settings store at once,
 // and the folder list adds, switches off and removes folders that the model then reads or skips.
-#include "WindowWorld.h"
 #include "ui/SettingsDialog.h"
+
+#include "WindowWorld.h"
 
 #include <QLabel>
 #include <QListWidget>
@@ -16,8 +17,7 @@ using test::WindowWorld;
 
 const Source* sourceAt(const AppModel& model, const std::string& path) {
     for (const Source& source : model.sources())
-        if (source.path == path)
-            return &source;
+        if (source.path == path) return &source;
     return nullptr;
 }
 
@@ -66,9 +66,11 @@ TEST(SettingsDialog, foldersAreAddedSwitchedOffAndRemoved) {
     ASSERT_TRUE(sourceAt(model, extra));
     EXPECT_EQ(sourceAt(model, extra)->kind, Source::Kind::added);
     model.waitUntilIdle();
-    EXPECT_TRUE(model.library().find(extra + "/Screenshot 2026-01-01 at 10.00.00.png")) << "the added folder was read";
+    EXPECT_TRUE(model.library().find(extra + "/Screenshot 2026-01-01 at 10.00.00.png"))
+        << "the added folder was read";
     ASSERT_EQ(list->count(), 3);
-    EXPECT_EQ(list->item(0)->text(), QString::fromStdString(world.shots()) + " (screenshot folder)");
+    EXPECT_EQ(list->item(0)->text(),
+              QString::fromStdString(world.shots()) + " (screenshot folder)");
 
     // Space switches the chosen folder off, as in any list of check boxes.
     list->setFocus();

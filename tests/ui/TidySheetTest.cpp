@@ -1,8 +1,9 @@
 // The tidy sheet over a real model and real files: what its preview and buttons say for each
 // choice, and what running it does to the files, up to the banner's Undo.
+#include "ui/TidySheet.h"
+
 #include "WindowWorld.h"
 #include "core/PathName.h"
-#include "ui/TidySheet.h"
 
 #include <QCheckBox>
 #include <QLabel>
@@ -24,9 +25,13 @@ TidySheet& openSheet(WindowWorld& world) {
     return *sheet;
 }
 
-QString summary(const TidySheet& sheet) { return test::child<QLabel>(&sheet, "previewSummary")->text(); }
+QString summary(const TidySheet& sheet) {
+    return test::child<QLabel>(&sheet, "previewSummary")->text();
+}
 
-QPushButton& runButton(const TidySheet& sheet) { return *test::child<QPushButton>(&sheet, "runButton"); }
+QPushButton& runButton(const TidySheet& sheet) {
+    return *test::child<QPushButton>(&sheet, "runButton");
+}
 
 // What the preview's rows say, one string each.
 std::vector<std::string> rows(const TidySheet& sheet) {
@@ -42,8 +47,9 @@ TEST(TidySheet, withEverythingFiledThereIsNothingToMove) {
     for (const char* name : {"receipt.png", "bill.png"}) {
         Shot probe(world.archive() + "/x/" + name, 0, {}, {});
         probe.guess = Shelf::bills;
-        shots.push_back(world.drawn(tidyLayoutFolder(TidyLayout::byCategory, probe, world.archive()) + "/" + name,
-                                    Shelf::bills, 3));
+        shots.push_back(world.drawn(
+            tidyLayoutFolder(TidyLayout::byCategory, probe, world.archive()) + "/" + name,
+            Shelf::bills, 3));
     }
     world.holding(shots);
     TidySheet& sheet = openSheet(world);
@@ -74,8 +80,9 @@ TEST(TidySheet, clearingOutTakesTheReadOnesOlderThanTheAge) {
         SCOPED_TRACE(c.age);
         WindowWorld world;
         std::vector<Shot> shots;
-        const std::pair<const char*, double> ages[] = {
-            {"d10.png", 10}, {"d40.png", 40}, {"d100.png", 100}, {"d181.png", 181.9}, {"d183.png", 182.1}, {"d400.png", 400}};
+        const std::pair<const char*, double> ages[] = {{"d10.png", 10},     {"d40.png", 40},
+                                                       {"d100.png", 100},   {"d181.png", 181.9},
+                                                       {"d183.png", 182.1}, {"d400.png", 400}};
         for (const auto& [name, days] : ages)
             shots.push_back(world.drawn(world.shot(name), Shelf::chats, days));
         Shot unread = world.drawn(world.shot("unread.png"), Shelf::chats, 500);
@@ -86,14 +93,15 @@ TEST(TidySheet, clearingOutTakesTheReadOnesOlderThanTheAge) {
         click(&sheet, "clearMode");
         click(&sheet, c.age);
 
-        EXPECT_EQ(runButton(sheet).text().toStdString(), "Move " + std::to_string(c.trashed.size()) + " to Trash");
+        EXPECT_EQ(runButton(sheet).text().toStdString(),
+                  "Move " + std::to_string(c.trashed.size()) + " to Trash");
         EXPECT_EQ(summary(sheet), "By shelf");
-        EXPECT_EQ(rows(sheet), std::vector<std::string>{"Chats: " + std::to_string(c.trashed.size())});
+        EXPECT_EQ(rows(sheet),
+                  std::vector<std::string>{"Chats: " + std::to_string(c.trashed.size())});
         click(&sheet, "runButton");
         std::set<std::string> gone;
         for (const Shot& shot : shots)
-            if (!fs::exists(shot.path))
-                gone.insert(std::string(lastComponent(shot.path)));
+            if (!fs::exists(shot.path)) gone.insert(std::string(lastComponent(shot.path)));
         EXPECT_EQ(gone, c.trashed);
         EXPECT_EQ(world.questions.size(), 1u);
         QApplication::processEvents();
@@ -115,16 +123,17 @@ TEST(TidySheet, leavingPrivateOnesAloneKeepsTheIdCardOut) {
         {"clearMode", false, "Move 2 to Trash", true},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.mode) + (c.keepPrivate ? " keeping private ones" : " with private ones"));
+        SCOPED_TRACE(std::string(c.mode) +
+                     (c.keepPrivate ? " keeping private ones" : " with private ones"));
         WindowWorld world;
         const Shot id = world.drawn(world.shot("passport.png"), Shelf::ids, 200);
         const Shot bill = world.drawn(world.shot("receipt.png"), Shelf::bills, 200);
         world.holding({id, bill});
         TidySheet& sheet = openSheet(world);
         click(&sheet, c.mode);
-        EXPECT_TRUE(test::child<QCheckBox>(&sheet, "keepPrivate")->isChecked()) << "on from the start";
-        if (!c.keepPrivate)
-            click(&sheet, "keepPrivate");
+        EXPECT_TRUE(test::child<QCheckBox>(&sheet, "keepPrivate")->isChecked())
+            << "on from the start";
+        if (!c.keepPrivate) click(&sheet, "keepPrivate");
         EXPECT_EQ(runButton(sheet).text().toStdString(), c.button);
         click(&sheet, "runButton");
         EXPECT_FALSE(fs::exists(bill.path));
@@ -146,7 +155,8 @@ TEST(TidySheet, filingFromTheSheetCanBeUndoneFromTheBanner) {
     ASSERT_EQ(previewed.size(), 3u);
     for (const Shot& shot : shots) {
         const std::string row = std::string(lastComponent(shot.path)) + " to ";
-        const auto found = std::find_if(previewed.begin(), previewed.end(), [&](const std::string& r) { return r.starts_with(row); });
+        const auto found = std::find_if(previewed.begin(), previewed.end(),
+                                        [&](const std::string& r) { return r.starts_with(row); });
         ASSERT_NE(found, previewed.end()) << row;
         EXPECT_TRUE(found->ends_with(Tidy::suggestedName(shot))) << *found;
     }

@@ -1,7 +1,8 @@
 // The Locked place over a real model and vault: what the closed panel says, opening it through
 // the owner check, working in the open view (restore, discard, Lock Now) and closing by itself.
-#include "WindowWorld.h"
 #include "ui/VaultView.h"
+
+#include "WindowWorld.h"
 
 #include <QLabel>
 #include <QListView>
@@ -25,33 +26,40 @@ VaultView& lockedPlace(WindowWorld& world, int total, int locked) {
     AppModel& model = world.open(names, Shelf::ids);
     for (int i = 0; i < locked; ++i)
         paths.push_back(world.shot(names[static_cast<size_t>(i)]));
-    if (!paths.empty())
-        model.lock(paths);
+    if (!paths.empty()) model.lock(paths);
     model.setPlace(Place::of(Place::Kind::locked));
     VaultView* view = world.window().vaultView();
     EXPECT_TRUE(view->isVisible());
     return *view;
 }
 
-QString text(const VaultView& view, const char* name) { return test::child<QLabel>(&view, name)->text(); }
+QString text(const VaultView& view, const char* name) {
+    return test::child<QLabel>(&view, name)->text();
+}
 
-bool showsOpen(const VaultView& view) { return test::child<QWidget>(&view, "vaultOpen")->isVisible(); }
+bool showsOpen(const VaultView& view) {
+    return test::child<QWidget>(&view, "vaultOpen")->isVisible();
+}
 
 void clickRow(VaultView& view, int row) {
     QListView* grid = view.grid();
-    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(grid->model()->index(row, 0)).center());
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {},
+                      grid->visualRect(grid->model()->index(row, 0)).center());
 }
 
 TEST(VaultView, theClosedPanelSaysWhatIsLocked) {
-    const std::string some = "Encrypted on this computer. Their words are locked too, so they don't show up in search "
-                             "until you open this.";
+    const std::string some =
+        "Encrypted on this computer. Their words are locked too, so they don't show up in search "
+        "until you open this.";
     const struct {
         int total, locked;
         std::string headline, explanation, review;
     } cases[] = {
         {1, 0, "Nothing locked yet",
-         "Lock away screenshots of IDs, cards and documents. Lumivale encrypts them on this computer, with a key "
-         "kept in your keyring, and opens them only with your fingerprint or your account password.",
+         "Lock away screenshots of IDs, cards and documents. Lumivale encrypts them on this "
+         "computer, with a key "
+         "kept in your keyring, and opens them only with your fingerprint or your account "
+         "password.",
          "Review 1 private screenshot"},
         {1, 1, "1 screenshot locked", some, ""},
         {4, 2, "2 screenshots locked", some, "Review 2 private screenshots"},
@@ -65,8 +73,7 @@ TEST(VaultView, theClosedPanelSaysWhatIsLocked) {
         EXPECT_EQ(text(view, "vaultExplanation").toStdString(), c.explanation);
         auto* review = test::child<QPushButton>(&view, "reviewPrivateButton");
         EXPECT_EQ(review->isVisible(), !c.review.empty());
-        if (c.review.empty())
-            continue;
+        if (c.review.empty()) continue;
         EXPECT_EQ(review->text().toStdString(), c.review);
         click(&view, "reviewPrivateButton");
         EXPECT_EQ(world.model->place(), Place::of(Place::Kind::privateOnes));
@@ -91,13 +98,15 @@ TEST(VaultView, theOpenViewRestoresAndClosesItselfAfterTheLastInteraction) {
 
     click(&view, "unlockButton");
     ASSERT_TRUE(showsOpen(view));
-    EXPECT_EQ(text(view, "vaultLockLine"), "Locks itself when you leave Lumivale for a minute, or after 5 minutes.");
+    EXPECT_EQ(text(view, "vaultLockLine"),
+              "Locks itself when you leave Lumivale for a minute, or after 5 minutes.");
     ASSERT_EQ(view.grid()->model()->rowCount(), 2);
     world.scheduler->advance(4min);
     clickRow(view, 1);
     ASSERT_TRUE(world.model->lockedSelection());
-    const LockedShot chosen = *std::find_if(world.model->lockedItems().begin(), world.model->lockedItems().end(),
-                                            [&](const LockedShot& i) { return i.id == *world.model->lockedSelection(); });
+    const LockedShot chosen =
+        *std::find_if(world.model->lockedItems().begin(), world.model->lockedItems().end(),
+                      [&](const LockedShot& i) { return i.id == *world.model->lockedSelection(); });
     EXPECT_EQ(test::child<QPushButton>(&view, "restoreButton")->text(), "Restore to Screenshots");
 
     world.scheduler->advance(4min);
@@ -107,10 +116,12 @@ TEST(VaultView, theOpenViewRestoresAndClosesItselfAfterTheLastInteraction) {
     test::nextFolderChosen(elsewhere);
     click(&view, "restoreElsewhereButton");
     const std::string restored = elsewhere + "/" + std::string(chosen.shot.name());
-    const std::string original = test::readFile(world.trashFolder() + "/" + std::string(chosen.shot.name()));
+    const std::string original =
+        test::readFile(world.trashFolder() + "/" + std::string(chosen.shot.name()));
     ASSERT_FALSE(original.empty()) << "the original is in the Trash";
     EXPECT_EQ(test::readFile(restored), original);
-    EXPECT_EQ(test::bannerOf(*world.model), "Restored \u201c" + std::string(chosen.shot.name()) + "\u201d to " + elsewhere);
+    EXPECT_EQ(test::bannerOf(*world.model),
+              "Restored \u201c" + std::string(chosen.shot.name()) + "\u201d to " + elsewhere);
     EXPECT_EQ(view.grid()->model()->rowCount(), 1);
 
     world.scheduler->advance(5min - 1s);
@@ -128,7 +139,8 @@ TEST(VaultView, discardingAndLockNowWorkFromTheOpenView) {
     clickRow(view, 0);
     const std::string name(world.model->lockedItems().front().shot.name());
     click(&view, "discardButton");
-    EXPECT_EQ(std::get<0>(world.questions.back()), "Remove \u201c" + name + "\u201d from the locked area?");
+    EXPECT_EQ(std::get<0>(world.questions.back()),
+              "Remove \u201c" + name + "\u201d from the locked area?");
     EXPECT_EQ(world.model->vaultCount(), 1);
     EXPECT_EQ(view.grid()->model()->rowCount(), 1);
     click(&view, "lockNowButton");

@@ -1,7 +1,8 @@
 // The first-run welcome over a real model: nothing is read until Start, Start remembers it and
 // reads the screenshot folder, and the next start goes straight to work.
-#include "WindowWorld.h"
 #include "ui/WelcomeSheet.h"
+
+#include "WindowWorld.h"
 
 #include <QCheckBox>
 #include <QLabel>

@@ -20,15 +20,15 @@ struct WidgetsApp {
     WidgetsApp() {
         static int argc = 1;
         static char name[] = "lumivale-ui-test", *argv[] = {name, nullptr};
-        if (QApplication::instance())
-            return;
+        if (QApplication::instance()) return;
         new QApplication(argc, argv);
         // The offscreen platform says what it cannot do (raise a window, size hints) every time.
         static const QtMessageHandler standard = qInstallMessageHandler(nullptr);
-        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
-            if (!message.startsWith("This plugin does not support"))
-                standard(type, context, message);
-        });
+        qInstallMessageHandler(
+            [](QtMsgType type, const QMessageLogContext& context, const QString& message) {
+                if (!message.startsWith("This plugin does not support"))
+                    standard(type, context, message);
+            });
     }
 };
 
@@ -46,7 +46,8 @@ struct WindowWorld : WidgetsApp, World {
     Shot drawn(const std::string& path, Shelf shelf, double daysAgo) {
         std::filesystem::create_directories(std::filesystem::path(path).parent_path());
         drawPicture(path, {std::filesystem::path(path).stem().string()});
-        const auto when = std::chrono::system_clock::to_time_t(clock) - static_cast<time_t>(daysAgo * 86400);
+        const auto when =
+            std::chrono::system_clock::to_time_t(clock) - static_cast<time_t>(daysAgo * 86400);
         const timeval times[2] = {{when, 0}, {when, 0}};
         ::utimes(path.c_str(), times);
         return readShotOf(path, shelf, clock);
@@ -67,8 +68,7 @@ struct WindowWorld : WidgetsApp, World {
 };
 
 // The child of `root` with this object name; fails the test when there is none.
-template <class T>
-T* child(const QObject* root, const char* name) {
+template <class T> T* child(const QObject* root, const char* name) {
     T* found = root ? root->findChild<T*>(name) : nullptr;
     EXPECT_TRUE(found) << "no " << name;
     return found;
