@@ -205,6 +205,8 @@ void SettingsDialog::showFolders() {
 }
 
 void SettingsDialog::showSettings() {
+    // Showing a value is no change: a stored 0 minutes, shown as 1, stays 0 until the user acts.
+    const QSignalBlocker quietBlur(blur_), quietWatch(watch_), quietMinutes(lockAfter_);
     blur_->setChecked(model_.blurPrivate());
     watch_->setChecked(model_.watch());
     lockAfter_->setValue(model_.lockAfterMinutes());

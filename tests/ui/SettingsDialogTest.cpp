@@ -44,7 +44,9 @@ TEST(SettingsDialog, switchesReachTheModelAndTheStore) {
     }
     WindowWorld world;
     AppModel& model = world.open({"receipt.png"});
+    model.setLockAfterMinutes(0);
     auto* minutes = test::child<QSpinBox>(world.window().showSettings(), "lockAfterBox");
+    EXPECT_EQ(world.settings.value("lockAfterMinutes"), 0) << "showing a setting changes nothing";
     minutes->setFocus();
     minutes->selectAll();
     QTest::keyClicks(minutes, "12");
