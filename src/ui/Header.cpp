@@ -32,6 +32,11 @@ Header::Header(AppModel& model, QAction* tidy, QWidget* parent) : QWidget(parent
     search_->setClearButtonEnabled(true);
     search_->addAction(Icons::symbol("search", "edit-find"), QLineEdit::LeadingPosition);
     search_->setMinimumWidth(320);
+    // The field's own buttons (the magnifier and the clear button) are named for screen readers.
+    for (QToolButton* button : search_->findChildren<QToolButton*>()) {
+        const bool clears = button->defaultAction() && button->defaultAction()->objectName() == "_q_qlineeditclearaction";
+        button->setAccessibleName(clears ? tr("Clear search") : tr("Search"));
+    }
     connect(search_, &QLineEdit::textChanged, this, [this](const QString& text) { model_.setQuery(text.toStdString()); });
     connect(&model_, &AppModel::queryChanged, this, [this] {
         const QString query = QString::fromStdString(model_.query());

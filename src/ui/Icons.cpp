@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QHash>
 #include <QPainter>
 #include <QPalette>
 #include <QSvgRenderer>
@@ -18,6 +19,11 @@ static void registerDrawings() {
 namespace lumivale::Icons {
 
 QIcon tinted(const QString& bundled, const QColor& color) {
+    // Drawn once for each colour: views ask for icons while painting.
+    static QHash<QString, QIcon> made;
+    const QString key = bundled + color.name(QColor::HexArgb);
+    if (const auto it = made.constFind(key); it != made.constEnd())
+        return *it;
     registerDrawings();
     QFile file(":/icons/" + bundled + ".svg");
     if (!file.open(QIODevice::ReadOnly))
@@ -33,6 +39,7 @@ QIcon tinted(const QString& bundled, const QColor& color) {
         renderer.render(&painter);
         icon.addPixmap(pixmap);
     }
+    made.insert(key, icon);
     return icon;
 }
 

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPixmapCache>
 
 namespace lumivale {
 namespace {
@@ -22,7 +23,10 @@ QString qs(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<
 } // namespace
 
 ShotDelegate::ShotDelegate(AppModel& model, ThumbnailProvider& thumbnails, QObject* parent)
-    : QStyledItemDelegate(parent), model_(model), thumbnails_(thumbnails) {}
+    : QStyledItemDelegate(parent), model_(model), thumbnails_(thumbnails) {
+    // Room for a few screens of finished cells at a device pixel ratio of 2.
+    QPixmapCache::setCacheLimit(std::max(QPixmapCache::cacheLimit(), 48 * 1024));
+}
 
 QSize ShotDelegate::cellSize() const {
     const int line = QFontMetrics(QApplication::font()).height();
@@ -82,29 +86,41 @@ void ShotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
 }
 
 void ShotDelegate::paintThumbnail(QPainter* painter, const QRect& area, const Shot& shot, bool hidden) const {
-    QPainterPath clip;
     const QImage image = thumbnails_.thumbnail(shot, hidden);
-    QRectF target = area;
-    if (!image.isNull()) {
-        QSizeF size = image.deviceIndependentSize();
-        size.scale(area.size(), Qt::KeepAspectRatio);
-        target = QRectF(QPointF(area.center().x() - size.width() / 2 + 0.5, area.center().y() - size.height() / 2 + 0.5), size);
+    const QPalette palette = QApplication::palette();
+    if (image.isNull()) {
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(palette.color(QPalette::AlternateBase));
+        painter->drawRoundedRect(area, 6, 6);
+        return;
     }
-    clip.addRoundedRect(target, 6, 6);
-    painter->save();
-    painter->setClipPath(clip);
-    if (image.isNull())
-        painter->fillRect(area, QApplication::palette().color(QPalette::AlternateBase));
-    else {
-        painter->setRenderHint(QPainter::SmoothPixmapTransform);
-        painter->drawImage(target, image);
+    QSizeF size = image.deviceIndependentSize();
+    size.scale(area.size(), Qt::KeepAspectRatio);
+    const QRect target(QPoint(area.center().x() - qRound(size.width() / 2), area.center().y() - qRound(size.height() / 2)),
+                       size.toSize());
+    // The rounded, scaled thumbnail is made once and kept, so scrolling only copies pixels.
+    const qreal ratio = painter->device()->devicePixelRatioF();
+    const QString key = QString("cell:%1:%2:%3x%4@%5").arg(image.cacheKey()).arg(hidden).arg(target.width()).arg(target.height()).arg(ratio);
+    QPixmap cell;
+    if (!QPixmapCache::find(key, &cell)) {
+        cell = QPixmap(target.size() * ratio);
+        cell.setDevicePixelRatio(ratio);
+        cell.fill(Qt::transparent);
+        QPainter p(&cell);
+        p.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+        QPainterPath clip;
+        clip.addRoundedRect(QRectF(QPointF(0, 0), QSizeF(target.size())), 6, 6);
+        p.setClipPath(clip);
+        p.drawImage(QRectF(QPointF(0, 0), QSizeF(target.size())), image);
+        p.setClipping(false);
+        p.setPen(QPen(palette.color(QPalette::Mid), 0.8));
+        p.drawPath(clip);
+        p.end();
+        QPixmapCache::insert(key, cell);
     }
-    painter->restore();
-    painter->setPen(QPen(QApplication::palette().color(QPalette::Mid), 0.8));
-    painter->setBrush(Qt::NoBrush);
-    painter->drawPath(clip);
+    painter->drawPixmap(target.topLeft(), cell);
     if (shot.isRead() && shot.isSensitive()) {
-        // The private marker: a coral badge with a shield, on every private shot, blurred or not.
+        // The private marker: a coral badge on every private shot, blurred or not.
         const QRectF badge(target.right() - 30, target.top() + 6, 24, 24);
         painter->setPen(Qt::NoPen);
         painter->setBrush(Brand::marker());

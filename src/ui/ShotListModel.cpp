@@ -60,8 +60,12 @@ QVariant ShotListModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case Qt::DisplayRole:
     case Qt::AccessibleTextRole: {
-        const auto title = Titles::of(*s, 60);
-        return QString::fromStdString(title ? *title : std::string(s->name()));
+        QString& title = titles_[index.row()];
+        if (title.isNull()) {
+            const auto made = Titles::of(*s, 60);
+            title = QString::fromStdString(made ? *made : std::string(s->name()));
+        }
+        return title;
     }
     case ShotRole: return QVariant::fromValue(static_cast<const void*>(s));
     case PathRole: return QString::fromStdString(s->path);
@@ -72,6 +76,7 @@ QVariant ShotListModel::data(const QModelIndex& index, int role) const {
 void ShotListModel::refresh() {
     later_.stop();
     std::vector<ShotPtr> next = model_.visible();
+    titles_.assign(next.size(), QString());
     if (samePaths(shots_, next)) {
         shots_ = std::move(next);
         if (!shots_.empty())

@@ -30,6 +30,8 @@ public:
 private:
     AppModel& model_;
     std::vector<ShotPtr> shots_;
+    // Titles take a pattern search each, so a row's is made once, when first drawn.
+    mutable std::vector<QString> titles_;
     QTimer later_; // gathers the changes of a burst of readings into one refresh
 };
 

@@ -4,6 +4,7 @@
 #include "app/Demo.h"
 #include "app/ThumbnailProvider.h"
 #include "core/Facts.h"
+#include "ui/Brand.h"
 #include "ui/MainWindow.h"
 #include "ui/SettingsDialog.h"
 #include "ui/TidySheet.h"
@@ -29,6 +30,7 @@ struct Screen {
     const char* name;
     std::function<void(AppModel&)> setUp;
     bool empty = false; // shown over a library with no screenshots
+    bool dark = false;  // drawn in the dark look
     std::function<QDialog*(AppModel&, MainWindow&)> dialog = {};
 };
 
@@ -88,14 +90,19 @@ const std::vector<Screen>& screens() {
                  m.reveal(m.selected()->path);
          }},
         {"empty", [](AppModel& m) { m.setPlace(Place::of(Kind::overview)); }, true},
-        {"tidy-file", [](AppModel& m) { m.setPlace(Place::of(Kind::all)); }, false, openTidy},
-        {"tidy-file-renamed", [](AppModel& m) { m.setPlace(Place::of(Kind::all)); }, false,
+        {"overview-dark", [](AppModel& m) { m.setPlace(Place::of(Kind::overview)); }, false, true},
+        {"search-dark", [](AppModel& m) {
+             m.setPlace(Place::of(Kind::all));
+             m.setQuery("total");
+         }, false, true},
+        {"tidy-file", [](AppModel& m) { m.setPlace(Place::of(Kind::all)); }, false, false, openTidy},
+        {"tidy-file-renamed", [](AppModel& m) { m.setPlace(Place::of(Kind::all)); }, false, false,
          [](AppModel& m, MainWindow& w) { return clicking(openTidy(m, w), "renameBox"); }},
-        {"tidy-clear", [](AppModel& m) { m.setPlace(Place::of(Kind::all)); }, false,
+        {"tidy-clear", [](AppModel& m) { m.setPlace(Place::of(Kind::all)); }, false, false,
          [](AppModel& m, MainWindow& w) { return clicking(clicking(openTidy(m, w), "clearMode"), "age30"); }},
-        {"welcome", [](AppModel& m) { m.setPlace(Place::of(Kind::overview)); }, false,
+        {"welcome", [](AppModel& m) { m.setPlace(Place::of(Kind::overview)); }, false, false,
          [](AppModel& m, MainWindow& w) -> QDialog* { return new WelcomeSheet(m, &w); }},
-        {"settings", [](AppModel& m) { m.setPlace(Place::of(Kind::overview)); }, false,
+        {"settings", [](AppModel& m) { m.setPlace(Place::of(Kind::overview)); }, false, false,
          [](AppModel&, MainWindow& w) -> QDialog* { return w.showSettings(); }},
         // Locking changes the library, so the locked area comes last.
         {"locked-closed", [](AppModel& m) {
@@ -192,15 +199,17 @@ int render(const std::string& out, const std::string& only, const std::string& d
         std::cerr << "lumivale: the demonstration screenshots couldn't be drawn: " << drawn.message() << "\n";
         return 1;
     }
-    std::unique_ptr<Stage> full, empty;
+    std::unique_ptr<Stage> full, empty, dark;
     int failures = 0, written = 0;
     for (const Screen& screen : screens()) {
         if (!only.empty() && only != screen.name)
             continue;
-        auto& stage = screen.empty ? empty : full;
+        auto& stage = screen.empty ? empty : screen.dark ? dark : full;
+        // Widgets take their colours when made, so the dark look has a window of its own.
+        Brand::apply(*qApp, screen.dark ? Brand::Look::dark : Brand::Look::light);
         if (!stage)
             stage = std::make_unique<Stage>(screen.empty ? scratch.filePath("home/Nothing").toStdString() : dir,
-                                            scratch.path() + (screen.empty ? "/empty" : "/full"));
+                                            scratch.path() + (screen.empty ? "/empty" : screen.dark ? "/dark" : "/full"));
         stage->model.setQuery("");
         stage->model.setSelection(std::nullopt);
         screen.setUp(stage->model);

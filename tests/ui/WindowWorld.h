@@ -3,9 +3,7 @@
 // What the window tests share: a widgets application, the model world of the application-model
 // tests with a main window over it, and hands that work the window's controls.
 
-#include "app/AppTestSupport.h"
-#include "app/ThumbnailProvider.h"
-#include "ui/MainWindow.h"
+#include "WindowTestSupport.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -18,13 +16,9 @@ namespace lumivale::test {
 
 struct WidgetsApp {
     WidgetsApp() {
-        static int argc = 1;
-        static char name[] = "lumivale-ui-test", *argv[] = {name, nullptr};
-        if (QApplication::instance()) return;
-        new QApplication(argc, argv);
+        ensureWidgetsApp();
         // The offscreen platform says what it cannot do (raise a window, size hints) every time.
-        static const QtMessageHandler standard = qInstallMessageHandler(nullptr);
-        qInstallMessageHandler(
+        static const QtMessageHandler standard = qInstallMessageHandler(
             [](QtMsgType type, const QMessageLogContext& context, const QString& message) {
                 if (!message.startsWith("This plugin does not support"))
                     standard(type, context, message);
