@@ -162,6 +162,36 @@ void AppModel::start() {
         return;
     started_ = true;
     load();
+    begin();
+}
+
+void AppModel::startInBackground() {
+    if (started_ || loaded_) {
+        start();
+        return;
+    }
+    started_ = loaded_ = loading_ = true;
+    emit loadingChanged();
+    listPool_.start([this, paths = paths_] {
+        auto library = std::make_shared<Library>(Library::load(paths.libraryFile()).value_or(Library{}));
+        auto journals = std::make_shared<JournalBook>(JournalBook::load(paths.journalFile()));
+        const int64_t locked = Vault(paths.vault).count();
+        QMetaObject::invokeMethod(this, [this, library, journals, locked] {
+            library_ = std::move(*library);
+            journals_ = std::move(*journals);
+            vaultCount_ = locked;
+            loading_ = false;
+            rebuildSources();
+            emit loadingChanged();
+            emit libraryChanged();
+            emit journalsChanged();
+            emit vaultChanged();
+            begin();
+        }, Qt::QueuedConnection);
+    });
+}
+
+void AppModel::begin() {
     if (isDemo_ || Settings::boolean(settings_, Settings::welcomeDone).value_or(false)) {
         rescan();
         rewatch();

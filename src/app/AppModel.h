@@ -110,6 +110,10 @@ public:
     // Loads the library and journal, builds the sources, and scans and watches once the welcome
     // is done. Runs once; later calls do nothing.
     void start();
+    // The same, with the saved state read on a background thread: the window paints at once
+    // and fills when the library is in (`loading` meanwhile).
+    void startInBackground();
+    bool loading() const { return loading_; }
     // Loads the saved state and builds the sources, without scanning (the command line's start).
     void load();
     // Recomputes the folders that are read from the screenshot folder, the added folders and
@@ -213,6 +217,7 @@ signals:
     void selectionChanged();
     void progressChanged();
     void scanningChanged();
+    void loadingChanged();
     void bannerChanged();
     void revealedChanged();
     void settingsChanged();
@@ -260,6 +265,7 @@ private:
     int lockAfterMinutes_ = 5;
     bool started_ = false;
     bool loaded_ = false;
+    bool loading_ = false;
     bool rescanAgain_ = false;
     std::optional<std::vector<std::string>> languages_;
 
@@ -272,6 +278,8 @@ private:
     QThreadPool readPool_;
     QThreadPool savePool_;
 
+    // What start does once the saved state is in: scan and watch, or ask for the welcome.
+    void begin();
     void merge(const std::vector<ScanResult>& results);
     void startReads();
     void finishReading(const std::string& path, const Reading& reading);

@@ -27,22 +27,6 @@ constexpr int recognitionDeadlineMs = 30000;
 // stating one keeps it from guessing.
 constexpr int resolution = 300;
 
-void ignoreMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
-
-// libvips is started once per process, whichever thread reads first.
-bool vipsStarted() {
-    static const bool started = [] {
-        if (VIPS_INIT("lumivale")) return false;
-        // Operations are not cached: every picture is read once, and memory stays bounded.
-        vips_cache_set_max(0);
-        // A damaged file is reported as a failed reading, not as warnings on the terminal.
-        g_log_set_handler("VIPS", GLogLevelFlags(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE),
-                          ignoreMessage, nullptr);
-        return true;
-    }();
-    return started;
-}
-
 // A picture file as opened: its recorded size (0 × 0 when it could not be opened), and its
 // grey picture when it could be decoded.
 struct Opened {

@@ -62,6 +62,7 @@ Header::Header(AppModel& model, QAction* tidy, QWidget* parent) : QWidget(parent
     connect(&model_, &AppModel::sourcesChanged, this, &Header::showPlace);
     connect(&model_, &AppModel::progressChanged, this, &Header::showProgress);
     connect(&model_, &AppModel::scanningChanged, this, &Header::showProgress);
+    connect(&model_, &AppModel::loadingChanged, this, &Header::showProgress);
     showPlace();
     showProgress();
 }
@@ -71,7 +72,9 @@ void Header::showPlace() {
 }
 
 void Header::showProgress() {
-    if (const auto& p = model_.progress())
+    if (model_.loading())
+        progress_->setText(tr("Opening your library…"));
+    else if (const auto& p = model_.progress())
         progress_->setText(tr("Reading %1 of %2").arg(QLocale().toString(p->done + 1 > p->total ? p->total : p->done + 1),
                                                        QLocale().toString(p->total)));
     else if (model_.scanning())

@@ -184,7 +184,7 @@ OverviewView::OverviewView(AppModel& model, ThumbnailProvider& thumbnails, QWidg
     connect(&later_, &QTimer::timeout, this, &OverviewView::refresh);
     connect(&model_, &AppModel::libraryChanged, &later_, qOverload<>(&QTimer::start));
     for (auto signal : {&AppModel::sourcesChanged, &AppModel::settingsChanged, &AppModel::revealedChanged,
-                        &AppModel::scanningChanged})
+                        &AppModel::scanningChanged, &AppModel::loadingChanged})
         connect(&model_, signal, this, &OverviewView::refresh);
     connect(&thumbnails, &ThumbnailProvider::ready, this, [this] {
         for (ShelfCard* card : cards_)
@@ -196,6 +196,13 @@ OverviewView::OverviewView(AppModel& model, ThumbnailProvider& thumbnails, QWidg
 void OverviewView::refresh() {
     later_.stop();
     const Tally tally = model_.tally();
+    if (model_.loading()) {
+        pages_->setCurrentWidget(cardsPage_);
+        summary_->setText(tr("Opening your library…"));
+        privateLine_->hide();
+        reviewPrivate_->hide();
+        return;
+    }
     if (tally.total == 0) {
         const std::string home = QDir::homePath().toStdString();
         QStringList folders;

@@ -52,7 +52,7 @@ int runWindow(const std::string& demoDir) {
     ThumbnailProvider thumbnails;
     MainWindow window(*model, thumbnails, userSettings);
     window.show();
-    model->start();
+    model->startInBackground();
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, model.get(), [&] { model->saveNow(); });
     return QApplication::exec();
 }
