@@ -1,5 +1,6 @@
 // The Locked place over a real model and vault: what the closed panel says, opening it through
 // the owner check, working in the open view (restore, discard, Lock Now) and closing by itself.
+#include "app/ThumbnailCache.h"
 #include "ui/VaultView.h"
 
 #include "WindowWorld.h"
@@ -147,6 +148,36 @@ TEST(VaultView, discardingAndLockNowWorkFromTheOpenView) {
     EXPECT_FALSE(world.model->vaultOpen());
     EXPECT_FALSE(showsOpen(view));
     EXPECT_EQ(text(view, "vaultHeadline"), "1 screenshot locked");
+}
+
+// Locking from the grid leaves no thumbnail of the screenshot in the desktop's cache, of any size
+// and whoever made it; the open area's pictures never reach the cache either.
+TEST(VaultView, lockingLeavesNoThumbnailBehind) {
+    WindowWorld world;
+    AppModel& model = world.open({"passport.png"}, Shelf::ids);
+    const std::string path = world.shot("passport.png");
+    const auto stamp = ThumbnailCache::stampOf(path);
+    ASSERT_TRUE(stamp);
+    QImage picture(64, 40, QImage::Format_RGB32);
+    picture.fill(Qt::gray);
+    using Size = ThumbnailCache::Size;
+    const Size sizes[] = {Size::normal, Size::large, Size::xLarge, Size::xxLarge};
+    for (Size size : sizes)
+        ASSERT_TRUE(ThumbnailCache::write(path, size, *stamp, picture));
+    model.setPlace(Place::of(Place::Kind::all));
+    model.setSelection(path);
+    world.window().findChild<QAction*>("lockAwayAction")->trigger();
+    ASSERT_EQ(model.vaultCount(), 1);
+    for (Size size : sizes)
+        EXPECT_FALSE(fs::exists(ThumbnailCache::pathOf(path, size))) << ThumbnailCache::pathOf(path, size);
+
+    model.setPlace(Place::of(Place::Kind::locked));
+    click(world.window().vaultView(), "unlockButton");
+    clickRow(*world.window().vaultView(), 0);
+    world.window().grab();
+    QApplication::processEvents();
+    for (Size size : sizes)
+        EXPECT_FALSE(fs::exists(ThumbnailCache::pathOf(path, size)));
 }
 
 } // namespace
