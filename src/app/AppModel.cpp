@@ -197,6 +197,7 @@ void AppModel::begin() {
         rewatch();
     } else {
         showWelcome_ = true;
+        emit sheetsChanged();
     }
     // Only the step out of the active state counts as leaving: going on from inactive to
     // hidden must not restart the minute. The application starts in front.

@@ -163,6 +163,10 @@ public:
     void addFolder(const std::string& path);
     void removeFolder(const Source& source);
     void setEnabled(const Source& source, bool on);
+    // Files tidies into this folder from now on, reads it, and remembers it under "archiveFolder".
+    void setArchive(const std::string& path);
+    // The first-run welcome is finished: remembers it, then scans and watches the folders.
+    void finishWelcome();
 
     // --- the locked area ---------------------------------------------------------------------
     bool vaultOpen() const { return vaultOpen_; }

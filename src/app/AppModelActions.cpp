@@ -3,6 +3,8 @@
 
 #include "app/AppModel.h"
 
+#include "app/Settings.h"
+
 #include <QDir>
 
 #include <algorithm>
@@ -106,9 +108,32 @@ void AppModel::setEnabled(const Source& source, bool on) {
     finishFolderChange();
 }
 
+void AppModel::setArchive(const std::string& path) {
+    const std::string clean = QDir::cleanPath(QString::fromStdString(path)).toStdString();
+    if (path.empty() || clean == paths_.archive)
+        return;
+    paths_.archive = clean;
+    settings_.setValue(Settings::archiveFolder, QString::fromStdString(clean));
+    emit settingsChanged();
+    finishFolderChange();
+}
+
+void AppModel::finishWelcome() {
+    settings_.setValue(Settings::welcomeDone, true);
+    if (showWelcome_) {
+        showWelcome_ = false;
+        emit sheetsChanged();
+    }
+    rescan();
+    rewatch();
+}
+
 void AppModel::finishFolderChange() {
     rebuildSources();
     save();
+    // Nothing is read or watched before the welcome is finished.
+    if (showWelcome_)
+        return;
     rescan();
     rewatch();
 }

@@ -4,6 +4,7 @@
 
 #include "app/AppModel.h"
 
+#include "app/ThumbnailCache.h"
 #include "core/SearchQuery.h"
 
 #include <QDir>
@@ -67,6 +68,10 @@ void AppModel::lock(const std::vector<std::string>& paths) {
     // The originals go to the Trash; this is not offered for undo, which would bring a private
     // screenshot back out beside its locked copy.
     const TidyResult trashed = Tidy::trash(locked, now(), services_.trasher);
+    // A thumbnail would keep a readable copy of a locked screenshot: every size goes, whoever
+    // made it.
+    for (const std::string& path : locked)
+        ThumbnailCache::forget(path);
     for (const Move& move : trashed.journal.entries)
         library_.remove(move.from);
     if (selection_ && !library_.find(*selection_))

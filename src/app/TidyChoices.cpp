@@ -1,16 +1,42 @@
 #include "app/TidyChoices.h"
 
+#include "platform/UserFolders.h"
+
+#include <QDir>
+
 #include <algorithm>
 #include <filesystem>
 
 namespace lumivale {
+namespace {
+
+bool isLoose(const AppModel& model, const Shot& shot) { return shot.folder() == model.paths().screenshotFolder; }
+
+} // namespace
+
+std::string tidyScopeLabel(const AppModel& model, TidyScope scope) {
+    const std::string home = QDir::homePath().toStdString();
+    switch (scope) {
+    case TidyScope::loose:
+        return model.paths().screenshotFolder == UserFolders::dirs(home).desktop ? "Loose on the Desktop"
+                                                                                 : "Loose in the screenshot folder";
+    case TidyScope::view: return "This view (" + model.place().title(home) + ")";
+    case TidyScope::everything: return "Everything read";
+    }
+    return {};
+}
+
+bool anyLoose(const AppModel& model) {
+    return std::any_of(model.all().begin(), model.all().end(),
+                       [&](const ShotPtr& shot) { return isLoose(model, *shot); });
+}
 
 std::vector<ShotPtr> tidyCandidates(const AppModel& model, const TidyChoices& choices) {
     std::vector<ShotPtr> shots;
     switch (choices.scope) {
     case TidyScope::loose:
         for (const ShotPtr& shot : model.all())
-            if (shot->folder() == model.paths().screenshotFolder)
+            if (isLoose(model, *shot))
                 shots.push_back(shot);
         break;
     case TidyScope::view: shots = model.shots(model.place()); break;

@@ -28,6 +28,11 @@ struct TidyChoices {
 // The ages clearing out offers, in days: 1 month, 3 months, 6 months, 1 year.
 inline constexpr int clearAges[] = {30, 90, 182, 365};
 
+// What a scope is called: "Loose on the Desktop" (or "Loose in the screenshot folder"),
+// "This view (…)" with the current place's name, "Everything read".
+std::string tidyScopeLabel(const AppModel& model, TidyScope scope);
+// Whether any screenshot lies loose in the screenshot folder, private or not.
+bool anyLoose(const AppModel& model);
 // The screenshots of the scope, less the private ones when they are left alone.
 std::vector<ShotPtr> tidyCandidates(const AppModel& model, const TidyChoices& choices);
 // The plan for filing the candidates into the archive.

@@ -1,4 +1,4 @@
-// lumivale folders [add|remove|on|off PATH]: the folders that are read.
+// lumivale folders [add|remove|on|off|archive PATH]: the folders that are read, and the archive.
 
 #include "cli/Command.h"
 #include "cli/Output.h"
@@ -47,13 +47,15 @@ int folders(std::vector<std::string> args) {
         return Exit::done;
     }
     if (args.size() != 2)
-        return usageError("usage: lumivale folders [--json] [add|remove|on|off PATH]");
+        return usageError("usage: lumivale folders [--json] [add|remove|on|off|archive PATH]");
     const std::string& verb = args[0];
     const std::string path = absolutePathOf(args[1]);
     const auto source = std::find_if(model.sources().begin(), model.sources().end(),
                                      [&](const Source& s) { return s.path == path; });
     if (verb == "add") {
         model.addFolder(path);
+    } else if (verb == "archive") {
+        model.setArchive(path);
     } else if (verb == "remove" || verb == "on" || verb == "off") {
         if (source == model.sources().end()) {
             printError(path + " isn't one of the folders Lumivale reads");
@@ -69,7 +71,7 @@ int folders(std::vector<std::string> args) {
         else
             model.setEnabled(chosen, verb == "on");
     } else {
-        return usageError("unknown folders action '" + verb + "' (add, remove, on, off)");
+        return usageError("unknown folders action '" + verb + "' (add, remove, on, off, archive)");
     }
     model.waitUntilIdle();
     model.saveNow();
@@ -77,7 +79,8 @@ int folders(std::vector<std::string> args) {
     return Exit::done;
 }
 
-LUMIVALE_COMMAND("folders", "folders [--json] [add|remove|on|off PATH]", "lists or changes the folders that are read", folders);
+LUMIVALE_COMMAND("folders", "folders [--json] [add|remove|on|off|archive PATH]",
+                 "lists or changes the folders that are read; archive sets where tidies file", folders);
 
 } // namespace
 } // namespace lumivale::cli

@@ -75,9 +75,7 @@ int tidy(std::vector<std::string> args) {
     Session session(yes);
     AppModel& model = session.model();
     const TidyPlan plan = fileIntoFolders(model, choices);
-    TidyChoices everyLoose = choices;
-    everyLoose.keepPrivate = false;
-    if (choices.scope == TidyScope::loose && tidyCandidates(model, everyLoose).empty() && !json) {
+    if (choices.scope == TidyScope::loose && !anyLoose(model) && !json) {
         std::cout << "No loose screenshots: they're all filed already.\n";
         return Exit::done;
     }

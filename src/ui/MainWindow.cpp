@@ -6,9 +6,13 @@
 #include "ui/Icons.h"
 #include "ui/Inspector.h"
 #include "ui/OverviewView.h"
+#include "ui/SettingsDialog.h"
 #include "ui/ShotActions.h"
 #include "ui/ShotGrid.h"
 #include "ui/Sidebar.h"
+#include "ui/TidySheet.h"
+#include "ui/VaultView.h"
+#include "ui/WelcomeSheet.h"
 
 #include <QAction>
 #include <QApplication>
@@ -94,7 +98,10 @@ MainWindow::MainWindow(AppModel& model, ThumbnailProvider& thumbnails, QSettings
     setTabOrder(sidebar_, header_->search());
     setTabOrder(header_->search(), grid_->view());
     connect(&model_, &AppModel::placeChanged, this, &MainWindow::showPlace);
-    showPlace();
+    vault_ = new VaultView(model_, this);
+    setLockedPage(vault_);
+    connect(&model_, &AppModel::sheetsChanged, this, &MainWindow::showSheets);
+    showSheets();
 }
 
 MainWindow::~MainWindow() = default;
@@ -115,9 +122,14 @@ void MainWindow::buildMenus(QAction* tidy) {
     });
     QAction* rescan = action(this, "rescanAction", tr("Look for New Screenshots"), QKeySequence(Qt::CTRL | Qt::Key_R));
     connect(rescan, &QAction::triggered, &model_, &AppModel::rescan);
+    QAction* settings = action(this, "settingsAction", tr("Settings…"), QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    settings->setIcon(Icons::symbol("settings", "preferences-system"));
+    connect(settings, &QAction::triggered, this, &MainWindow::showSettings);
     QAction* quit = action(this, "quitAction", tr("Quit"), QKeySequence::Quit);
     connect(quit, &QAction::triggered, this, &QWidget::close);
     file->addActions({addFolder, rescan, tidy});
+    file->addSeparator();
+    file->addAction(settings);
     file->addSeparator();
     file->addAction(quit);
 
@@ -180,6 +192,36 @@ void MainWindow::showPlace() {
     // The overview and the locked area have no selected screenshot to inspect.
     const auto kind = model_.place().kind;
     inspector_->setVisible(kind != Place::Kind::locked && kind != Place::Kind::overview);
+}
+
+void MainWindow::showSheets() {
+    // A sheet that the model no longer shows goes without a word back: closing it told the model.
+    const auto follow = [this](auto& sheet, bool shown, auto make) {
+        if (shown && !sheet) {
+            sheet = make();
+            sheet->setWindowModality(Qt::WindowModal);
+            sheet->show();
+        } else if (!shown && sheet) {
+            sheet->hide();
+            sheet->deleteLater();
+            sheet = nullptr;
+        }
+    };
+    follow(welcome_, model_.showWelcome(), [this] { return new WelcomeSheet(model_, this); });
+    follow(tidy_, model_.showTidy(), [this] { return new TidySheet(model_, this); });
+}
+
+TidySheet* MainWindow::tidySheet() const { return tidy_; }
+
+WelcomeSheet* MainWindow::welcomeSheet() const { return welcome_; }
+
+SettingsDialog* MainWindow::showSettings() {
+    if (!settingsDialog_)
+        settingsDialog_ = new SettingsDialog(model_, this);
+    settingsDialog_->show();
+    settingsDialog_->raise();
+    settingsDialog_->activateWindow();
+    return settingsDialog_;
 }
 
 void MainWindow::remember() {

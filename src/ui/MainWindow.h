@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 
 class QSettings;
 class QSplitter;
@@ -15,8 +16,12 @@ class Inspector;
 class OverviewView;
 class ShotActions;
 class ShotGrid;
+class SettingsDialog;
 class Sidebar;
 class ThumbnailProvider;
+class TidySheet;
+class VaultView;
+class WelcomeSheet;
 
 // The main window: it arranges the sidebar, header, banner, the place's view and the inspector,
 // and holds the menus; every view reads the model and calls its actions.
@@ -34,6 +39,12 @@ public:
     Inspector* inspector() const { return inspector_; }
     // Adds a page for the Locked place.
     void setLockedPage(QWidget* page);
+    VaultView* vaultView() const { return vault_; }
+    // The sheets while they are shown, else null.
+    TidySheet* tidySheet() const;
+    WelcomeSheet* welcomeSheet() const;
+    // Shows the settings, made on first use.
+    SettingsDialog* showSettings();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -48,12 +59,18 @@ private:
     OverviewView* overview_;
     ShotGrid* grid_;
     QWidget* locked_ = nullptr;
+    VaultView* vault_;
+    QPointer<TidySheet> tidy_;
+    QPointer<WelcomeSheet> welcome_;
+    QPointer<SettingsDialog> settingsDialog_;
     Inspector* inspector_;
     QStackedWidget* pages_;
     QSplitter* splitter_;
 
     void buildMenus(QAction* tidy);
     void showPlace();
+    // Opens or closes the welcome and tidy sheets as the model says.
+    void showSheets();
     void remember();
 };
 

@@ -6,10 +6,15 @@
 #include "core/Facts.h"
 #include "ui/Brand.h"
 #include "ui/MainWindow.h"
+#include "ui/SettingsDialog.h"
+#include "ui/TidySheet.h"
+#include "ui/WelcomeSheet.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QPainter>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -19,12 +24,14 @@
 namespace lumivale::Snapshots {
 namespace {
 
-// One screen: its file name and how to bring the model there.
+// One screen: its file name and how to bring the model there, and for a sheet or dialog, how to
+// open it over the window.
 struct Screen {
     const char* name;
     std::function<void(AppModel&)> setUp;
     bool empty = false; // shown over a library with no screenshots
     bool dark = false;  // drawn in the dark look
+    std::function<QDialog*(AppModel&, MainWindow&)> dialog = {};
 };
 
 const Shot* firstOn(AppModel& model, const Place& place, const std::function<bool(const Shot&)>& wanted) {
@@ -38,6 +45,26 @@ void select(AppModel& model, const Place& place, const std::function<bool(const 
     model.setPlace(place);
     if (const Shot* shot = firstOn(model, place, wanted))
         model.setSelection(shot->path);
+}
+
+// Clicks a control of a dialog, as a person choosing an option would.
+QDialog* clicking(QDialog* dialog, const char* name) {
+    if (auto* button = dialog ? dialog->findChild<QAbstractButton*>(name) : nullptr)
+        button->click();
+    return dialog;
+}
+
+QDialog* openTidy(AppModel& m, MainWindow& w) {
+    m.setShowTidy(true);
+    return w.tidySheet();
+}
+
+// The made-up library has a locked ID card: the first ID screenshot, locked away once.
+void lockAnId(AppModel& m) {
+    if (m.vaultCount() == 0)
+        if (const Shot* id = firstOn(m, Place::of(Place::Kind::all), [](const Shot& s) { return s.category() == Shelf::ids; }))
+            m.lock({id->path});
+    m.dismissBanner();
 }
 
 const std::vector<Screen>& screens() {
@@ -68,6 +95,28 @@ const std::vector<Screen>& screens() {
              m.setPlace(Place::of(Kind::all));
              m.setQuery("total");
          }, false, true},
+        {"tidy-file", [](AppModel& m) { m.setPlace(Place::of(Kind::all)); }, false, false, openTidy},
+        {"tidy-file-renamed", [](AppModel& m) { m.setPlace(Place::of(Kind::all)); }, false, false,
+         [](AppModel& m, MainWindow& w) { return clicking(openTidy(m, w), "renameBox"); }},
+        {"tidy-clear", [](AppModel& m) { m.setPlace(Place::of(Kind::all)); }, false, false,
+         [](AppModel& m, MainWindow& w) { return clicking(clicking(openTidy(m, w), "clearMode"), "age30"); }},
+        {"welcome", [](AppModel& m) { m.setPlace(Place::of(Kind::overview)); }, false, false,
+         [](AppModel& m, MainWindow& w) -> QDialog* { return new WelcomeSheet(m, &w); }},
+        {"settings", [](AppModel& m) { m.setPlace(Place::of(Kind::overview)); }, false, false,
+         [](AppModel&, MainWindow& w) -> QDialog* { return w.showSettings(); }},
+        // Locking changes the library, so the locked area comes last.
+        {"locked-closed", [](AppModel& m) {
+             lockAnId(m);
+             m.lockVault();
+             m.setPlace(Place::of(Kind::locked));
+         }},
+        {"locked-open", [](AppModel& m) {
+             lockAnId(m);
+             m.setPlace(Place::of(Kind::locked));
+             m.unlockVault();
+             if (!m.lockedItems().empty())
+                 m.setLockedSelection(m.lockedItems().front().id);
+         }},
     };
     return list;
 }
@@ -83,6 +132,34 @@ void settle(ThumbnailProvider& thumbnails) {
     QObject::disconnect(connection);
 }
 
+// The demonstration's services; its owner says yes to every question, since the data is made up.
+AppModel::Services stageServices(const std::string& dir) {
+    AppModel::Services services = Demo::services(dir);
+    services.authenticate = [](const std::string&) { return true; };
+    services.confirm = [](const std::string&, const std::string&, const std::string&) { return true; };
+    return services;
+}
+
+// The window with the dialog over it, dimmed behind, as the user sees a sheet.
+QPixmap picture(MainWindow& window, QDialog* dialog) {
+    QPixmap shot = window.grab();
+    if (!dialog)
+        return shot;
+    // Its full size: adjustSize would hold it to two thirds of the small offscreen screen.
+    const QSize hint = dialog->sizeHint().expandedTo(dialog->minimumSizeHint());
+    dialog->resize(hint.width(), dialog->hasHeightForWidth() ? std::max(dialog->heightForWidth(hint.width()), dialog->minimumSizeHint().height())
+                                                             : hint.height());
+    const QPixmap top = dialog->grab();
+    QPainter painter(&shot);
+    painter.fillRect(window.rect(), QColor(0, 0, 0, 70));
+    const QSize size = top.deviceIndependentSize().toSize();
+    const QRect at(QPoint((window.width() - size.width()) / 2, 60), size);
+    painter.drawPixmap(at, top);
+    painter.setPen(QColor(0, 0, 0, 90));
+    painter.drawRect(at.adjusted(0, 0, -1, -1));
+    return shot;
+}
+
 // A model over demonstration data, read and ready to show.
 struct Stage {
     QSettings settings;
@@ -94,7 +171,7 @@ struct Stage {
     Stage(const std::string& dir, const QString& scratch)
         : settings(scratch + "/app.orvane.lumivale.demo.conf", QSettings::IniFormat),
           windowSettings(scratch + "/window.conf", QSettings::IniFormat),
-          model(Demo::paths(dir), settings, Demo::services(dir)), window(model, thumbnails, windowSettings) {
+          model(Demo::paths(dir), settings, stageServices(dir)), window(model, thumbnails, windowSettings) {
         model.markDemo();
         window.resize(1440, 900);
         window.show();
@@ -136,9 +213,19 @@ int render(const std::string& out, const std::string& only, const std::string& d
         stage->model.setQuery("");
         stage->model.setSelection(std::nullopt);
         screen.setUp(stage->model);
+        QDialog* dialog = screen.dialog ? screen.dialog(stage->model, stage->window) : nullptr;
+        if (dialog)
+            dialog->show();
         settle(stage->thumbnails);
         const QString file = QDir(QString::fromStdString(out)).filePath(QString(screen.name) + ".png");
-        if (stage->window.grab().save(file)) {
+        const QPixmap shot = picture(stage->window, dialog);
+        if (dialog) {
+            dialog->hide();
+            stage->model.setShowTidy(false);
+            if (!qobject_cast<SettingsDialog*>(dialog) && !qobject_cast<TidySheet*>(dialog))
+                delete dialog;
+        }
+        if (shot.save(file)) {
             std::cout << file.toStdString() << "\n";
             ++written;
         } else {

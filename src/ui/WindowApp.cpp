@@ -3,10 +3,12 @@
 #include "app/AppModel.h"
 #include "app/Demo.h"
 #include "app/ThumbnailProvider.h"
+#include "platform/Authenticator.h"
 #include "ui/Brand.h"
 #include "ui/Confirm.h"
 #include "ui/Icons.h"
 #include "ui/MainWindow.h"
+#include "ui/PasswordDialog.h"
 #include "ui/Snapshots.h"
 
 #include <QApplication>
@@ -22,13 +24,6 @@ namespace {
 std::string env(const char* name) {
     const char* value = std::getenv(name);
     return value ? value : "";
-}
-
-AppModel::Services windowServices(AppModel::Services services) {
-    services.confirm = [](const std::string& message, const std::string& detail, const std::string& button) {
-        return confirmInDialog(QApplication::activeWindow(), message, detail, button);
-    };
-    return services;
 }
 
 // Offscreen, Qt notes what the platform cannot do (window hints, a missing runtime folder); only
@@ -63,6 +58,17 @@ int runWindow(const std::string& demoDir) {
 }
 
 } // namespace
+
+AppModel::Services windowServices(AppModel::Services services) {
+    services.confirm = [](const std::string& message, const std::string& detail, const std::string& button) {
+        return confirmInDialog(QApplication::activeWindow(), message, detail, button);
+    };
+    // The desktop's own authentication dialog through polkit, else our password dialog; never
+    // the terminal, which a window's user may not even have.
+    services.authenticate = [auth = std::shared_ptr<Authenticator>(systemAuthenticator(passwordDialogPrompt()))](
+                                const std::string& reason) { return auth->authenticate(reason); };
+    return services;
+}
 
 int run(int argc, char** argv) {
     const std::string snapshots = env("LUMIVALE_SNAPSHOT_DIR");

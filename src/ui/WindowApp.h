@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/AppModel.h"
+
 // The window's start: the normal one, with demonstration data, and the snapshot mode.
 namespace lumivale::WindowApp {
 
@@ -7,5 +9,9 @@ namespace lumivale::WindowApp {
 // demonstration data drawn into that folder, and with LUMIVALE_SNAPSHOT_DIR it renders its screens
 // into that folder as pictures and quits. The exit status.
 int run(int argc, char** argv);
+
+// The services with the window's own questions: confirmations in dialogs, and the owner checked
+// through polkit (the desktop's authentication dialog), else in our password dialog with PAM.
+AppModel::Services windowServices(AppModel::Services services);
 
 } // namespace lumivale::WindowApp
