@@ -120,9 +120,10 @@ void AppModel::noteLeftAlone(const std::vector<ScanResult>& results) {
         for (const std::string& path : result.unnamed)
             if (leftAlone_.insert(path).second)
                 fresh.push_back(path);
-    if (fresh.empty())
+    // Said once for each, and never over what an action has to say: a name the library cannot
+    // hold is no reason to nag at every scan.
+    if (fresh.empty() || banner_)
         return;
-    // Said once for each: a name the library cannot hold is no reason to nag at every scan.
     const std::string name = QString::fromUtf8(fresh.front().data(), static_cast<qsizetype>(fresh.front().size()))
                                  .section('/', -1)
                                  .toStdString();
