@@ -1,6 +1,7 @@
 // Facts from any lines: labelled values, each with some text.
-#include "FuzzInput.h"
 #include "core/Facts.h"
+
+#include "FuzzInput.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace lumivale;

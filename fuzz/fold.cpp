@@ -1,6 +1,7 @@
 // Folding: any text, even bytes that are not UTF-8, folds and squashes to valid UTF-8, and
 // squashing only takes characters away.
 #include "core/Fold.h"
+
 #include "core/Folders.h"
 
 #include <cstdlib>
@@ -13,6 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string squashed = squash(folded);
     (void)isSquashedInPart(squashed, folded);
     (void)hasNumeric(text);
-    if (!Folders::isUtf8(folded) || !Folders::isUtf8(squashed) || squashed.size() > folded.size()) abort();
+    if (!Folders::isUtf8(folded) || !Folders::isUtf8(squashed) || squashed.size() > folded.size())
+        abort();
     return 0;
 }

@@ -1,6 +1,7 @@
 // The library file: any bytes load as a library or as nothing, and what loads saves again.
-#include "FuzzInput.h"
 #include "core/Library.h"
+
+#include "FuzzInput.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace lumivale;

@@ -19,7 +19,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const Vault vault("/nonexistent");
     (void)vault.parts(file);
     (void)vault.header(file, key);
-    if (const auto record = decodeLockedShot({data, size}))
-        (void)encodeLockedShot(*record);
+    if (const auto record = decodeLockedShot({data, size})) (void)encodeLockedShot(*record);
     return 0;
 }

@@ -22,7 +22,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         (void)doc->date(ref);
         (void)doc->data(ref);
         if (const auto array = doc->array(ref))
-            for (Ref item : *array) waiting.push_back(item);
+            for (Ref item : *array)
+                waiting.push_back(item);
         if (const auto dict = doc->dict(ref)) {
             for (size_t i = 0; i < dict->size(); ++i) {
                 (void)doc->keyEquals(dict->keyAt(i), "shots");

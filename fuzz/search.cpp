@@ -5,7 +5,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace lumivale;
-    const std::vector<std::string> lines = fuzz::linesOf({reinterpret_cast<const char*>(data), size});
+    const std::vector<std::string> lines =
+        fuzz::linesOf({reinterpret_cast<const char*>(data), size});
     const SearchQuery query(lines.front());
     std::vector<ShotPtr> shots;
     for (size_t i = 1; i < lines.size() && i < 64; ++i)

@@ -1,6 +1,7 @@
 // Private numbers in any text: found or not, never a crash or a hang.
-#include "FuzzInput.h"
 #include "core/Sensitive.h"
+
+#include "FuzzInput.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace lumivale;

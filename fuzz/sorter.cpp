@@ -1,6 +1,7 @@
 // The sorter over any lines (the last one taken as a barcode): a shelf with a confidence in range.
-#include "FuzzInput.h"
 #include "core/Sorter.h"
+
+#include "FuzzInput.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace lumivale;

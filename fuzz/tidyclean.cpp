@@ -9,7 +9,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace lumivale;
     const std::string name = Tidy::clean({reinterpret_cast<const char*>(data), size});
     if (name.empty() || name.starts_with('.') || name.find('/') != std::string::npos ||
-        name.find('\0') != std::string::npos || name.size() + std::string_view(" 10000.jpeg").size() > 255)
+        name.find('\0') != std::string::npos ||
+        name.size() + std::string_view(" 10000.jpeg").size() > 255)
         abort();
     return 0;
 }

@@ -1,7 +1,8 @@
 // A title from any lines: nothing, or some text of at most the asked number of characters
 // (grapheme clusters), with "…" after it where it was cut.
-#include "FuzzInput.h"
 #include "core/Titles.h"
+
+#include "FuzzInput.h"
 
 #include <memory>
 #include <unicode/brkiter.h>
@@ -28,7 +29,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace lumivale;
     const Shot shot = fuzz::shotOf({reinterpret_cast<const char*>(data), size});
     if (auto title = Titles::of(shot, 40)) {
-        if (title->ends_with("\u2026")) title->resize(title->size() - std::string_view("\u2026").size());
+        if (title->ends_with("\u2026"))
+            title->resize(title->size() - std::string_view("\u2026").size());
         if (title->empty() || characters(*title) > 40) abort();
     }
     return 0;

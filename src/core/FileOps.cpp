@@ -100,7 +100,8 @@ int TemporaryFile::nameFree(std::string& name) {
     const std::string self = "/proc/self/fd/" + std::to_string(fd_);
     for (int attempt = 0; attempt < 100; ++attempt) {
         name = temporaryName(folder_);
-        if (linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) return 0;
+        if (linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
+            return 0;
         if (errno != EEXIST) return errno;
     }
     return EEXIST;
@@ -109,7 +110,9 @@ int TemporaryFile::nameFree(std::string& name) {
 int TemporaryFile::placeNew(const std::string& path) {
     if (named_.empty()) {
         const std::string self = "/proc/self/fd/" + std::to_string(fd_);
-        return linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
+        return linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0
+                   ? 0
+                   : errno;
     }
     // A hard link never replaces anything.
     if (link(named_.c_str(), path.c_str()) != 0) return errno;
@@ -155,7 +158,8 @@ Status writeAtomically(const std::string& path, std::string_view bytes, const Wr
     return file.commit();
 }
 
-AtomicFile::AtomicFile(std::string path, WriteCall write) : path_(std::move(path)), write_(std::move(write)) {
+AtomicFile::AtomicFile(std::string path, WriteCall write)
+    : path_(std::move(path)), write_(std::move(write)) {
     status_ = makeFolders(parentOf(path_));
     if (!status_) return;
     file_.emplace(parentOf(path_));

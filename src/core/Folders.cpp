@@ -117,7 +117,8 @@ void visit(Walk& walk, int folder, const std::string& folderPath, const Entry& e
         !(st.stx_mask & STATX_TYPE))
         return;
     const std::string path = childPath(folderPath, entry.name);
-    const bool wanted = S_ISDIR(st.stx_mode) ? depth > 0 : S_ISREG(st.stx_mode) && hasImageExtension(entry.name);
+    const bool wanted =
+        S_ISDIR(st.stx_mode) ? depth > 0 : S_ISREG(st.stx_mode) && hasImageExtension(entry.name);
     if (wanted && !isUtf8(entry.name)) {
         if (walk.unnamed) walk.unnamed->push_back(path);
         return;

@@ -144,7 +144,8 @@ std::string clean(std::string_view text) {
     while (s.startsWith(u"."))
         s = trimmed(icu::UnicodeString(s, 1), isSpaceOrLineBreak);
     // 120 characters may be far more bytes than a file name can hold.
-    if (const auto end = endOfCharacters(s, kMaxNameCharacters, kMaxNameBytes - kRoomForNumberAndExtension))
+    if (const auto end =
+            endOfCharacters(s, kMaxNameCharacters, kMaxNameBytes - kRoomForNumberAndExtension))
         s = trimmed(icu::UnicodeString(s, 0, *end), isSpace);
     return s.isEmpty() ? std::string("Screenshot") : utf8(s);
 }

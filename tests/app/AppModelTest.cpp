@@ -142,7 +142,9 @@ TEST(AppModelTest, aSaveThatKeepsFailingForAMinuteShowsAnErrorBanner) {
     model.waitForSaves();
     EXPECT_TRUE(model.saveNow());
     EXPECT_TRUE(world.scheduler->pending().empty()) << "no more retries once saved";
-    EXPECT_EQ(Library::load(world.tmp.file("data/library.plist"))->find(world.shot("receipt.png"))->manual,
+    EXPECT_EQ(Library::load(world.tmp.file("data/library.plist"))
+                  ->find(world.shot("receipt.png"))
+                  ->manual,
               Shelf::code);
 }
 

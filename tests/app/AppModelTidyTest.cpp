@@ -106,13 +106,15 @@ TEST(AppModelTidy, movesNothingWhenItsJournalCannotBeWritten) {
         AppModel& model = world.open({"receipt.png"});
         const std::string receipt = world.shot("receipt.png");
         blockDataFolder(world);
-        const auto result = trashing ? model.trash({receipt}) : model.tidy(fileIntoFolders(model, TidyChoices{}));
+        const auto result =
+            trashing ? model.trash({receipt}) : model.tidy(fileIntoFolders(model, TidyChoices{}));
         EXPECT_FALSE(result);
         EXPECT_TRUE(fs::exists(receipt));
         EXPECT_NE(model.library().find(receipt), nullptr);
         EXPECT_FALSE(model.canUndo());
-        EXPECT_EQ(test::bannerOf(model), "Nothing was moved: Lumivale can't write its journal, so it "
-                                         "couldn't be undone (Not a directory) [error]");
+        EXPECT_EQ(test::bannerOf(model),
+                  "Nothing was moved: Lumivale can't write its journal, so it "
+                  "couldn't be undone (Not a directory) [error]");
     }
 }
 

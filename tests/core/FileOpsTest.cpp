@@ -1,10 +1,9 @@
 #include "core/FileOps.h"
 
-#include "support/FailingWrite.h"
-#include "support/TempDir.h"
-
 #include "core/FileMove.h"
+#include "support/FailingWrite.h"
 #include "support/ScratchMount.h"
+#include "support/TempDir.h"
 
 #include <cerrno>
 #include <csignal>
@@ -96,20 +95,24 @@ TEST(FileOpsTest, AWriterKilledPartWayLeavesNothingBehind) {
         const char* name;
         std::function<void(const std::string& folder, const WriteCall&)> write;
     } cases[] = {
-        {"atomic write", [](const std::string& folder, const WriteCall& w) {
+        {"atomic write",
+         [](const std::string& folder, const WriteCall& w) {
              writeAtomically(folder + "/library.plist", after, w);
          }},
-        {"atomic file in pieces", [](const std::string& folder, const WriteCall& w) {
+        {"atomic file in pieces",
+         [](const std::string& folder, const WriteCall& w) {
              AtomicFile file(folder + "/library.plist", w);
              file.append(after.substr(0, 2000));
              file.append(after.substr(2000));
              file.commit();
          }},
-        {"new file", [](const std::string& folder, const WriteCall& w) {
-             writeNew(folder + "/fresh.png", after, w);
-         }},
-        {"move to another file system", [&other](const std::string& folder, const WriteCall& w) {
-             if (other.ok()) moveNoReplace(writeFile(other.file("moving.png"), after), folder + "/moved.png", w);
+        {"new file", [](const std::string& folder,
+                        const WriteCall& w) { writeNew(folder + "/fresh.png", after, w); }},
+        {"move to another file system",
+         [&other](const std::string& folder, const WriteCall& w) {
+             if (other.ok())
+                 moveNoReplace(writeFile(other.file("moving.png"), after), folder + "/moved.png",
+                               w);
          }},
     };
     for (const auto& c : cases) {
@@ -130,7 +133,8 @@ TEST(FileOpsTest, RemovesOnlyTheLeftoversOfProcessesThatAreGone) {
     const TempDir dir;
     const std::string dead = ".lumivale-" + std::to_string(gone) + "-7";
     const std::string alive = ".lumivale-" + std::to_string(getpid()) + "-7";
-    for (const std::string& name : {dead, alive, std::string(".lumivale-x-1"), std::string("library.plist")})
+    for (const std::string& name :
+         {dead, alive, std::string(".lumivale-x-1"), std::string("library.plist")})
         writeFile(dir.file(name), before);
     removeLeftovers(dir.str());
     EXPECT_EQ(namesIn(dir.str()), (std::set<std::string>{alive, ".lumivale-x-1", "library.plist"}));

@@ -104,7 +104,8 @@ TEST(FoldersTest, LeavesOutAndNamesWhatIsNotUtf8) {
     EXPECT_EQ(paths, std::vector<std::string>{"caf\xC3\xA9.png"});
     for (std::string& path : unnamed)
         path = path.substr(dir.str().size() + 1);
-    EXPECT_EQ(unnamed, (std::vector<std::string>{"caf\xE8.png", "caf\xE9.png", "ok/\xC0\xAF.png", "\xFF"}));
+    EXPECT_EQ(unnamed,
+              (std::vector<std::string>{"caf\xE8.png", "caf\xE9.png", "ok/\xC0\xAF.png", "\xFF"}));
 }
 
 TEST(FoldersTest, ReportsPathSizeAndDates) {

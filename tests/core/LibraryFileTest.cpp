@@ -7,10 +7,10 @@
 #include "support/TempDir.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
-#include <map>
 #include <csignal>
+#include <gtest/gtest.h>
 #include <iostream>
+#include <map>
 #include <random>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -290,7 +290,8 @@ TEST(LibraryFileTest, LoadsOnlyWholeSoundFilesOfItsVersion) {
 // A process killed at any moment of a save leaves the library whole, the old one or the new one,
 // and once the next start has tidied up, nothing but the library in its folder.
 TEST(LibraryFileTest, ASaveKilledAtAnyMomentLeavesTheLibraryWhole) {
-    const Library first = bench::syntheticLibrary(20000, 1), second = bench::syntheticLibrary(20000, 2);
+    const Library first = bench::syntheticLibrary(20000, 1),
+                  second = bench::syntheticLibrary(20000, 2);
     const TempDir dir;
     const std::string folder = dir.file("data"), file = folder + "/library.plist";
     ASSERT_TRUE(first.save(file));
@@ -301,7 +302,8 @@ TEST(LibraryFileTest, ASaveKilledAtAnyMomentLeavesTheLibraryWhole) {
     const std::optional<Library> secondSaved = Library::load(file);
     ASSERT_TRUE(firstSaved && secondSaved);
     const auto same = [](const Library& a, const Library& b) {
-        return a.size() == b.size() && std::all_of(a.all().begin(), a.all().end(), [&](const ShotPtr& shot) {
+        return a.size() == b.size() &&
+               std::all_of(a.all().begin(), a.all().end(), [&](const ShotPtr& shot) {
                    const Shot* other = b.find(shot->path);
                    return other && *other == *shot;
                });
@@ -317,7 +319,8 @@ TEST(LibraryFileTest, ASaveKilledAtAnyMomentLeavesTheLibraryWhole) {
                 (i % 2 ? first : second).save(file);
         }
         // Anywhere in the first save or two, the moments around the rename included.
-        std::this_thread::sleep_for(duration_cast<microseconds>(saveTime * std::uniform_real_distribution<>(0.0, 2.0)(random)));
+        std::this_thread::sleep_for(duration_cast<microseconds>(
+            saveTime * std::uniform_real_distribution<>(0.0, 2.0)(random)));
         ::kill(saver, SIGKILL);
         waitpid(saver, nullptr, 0);
         leftBeforeStart += namesIn(folder).size() > 1;
@@ -327,7 +330,8 @@ TEST(LibraryFileTest, ASaveKilledAtAnyMomentLeavesTheLibraryWhole) {
         ASSERT_TRUE(loaded);
         EXPECT_TRUE(same(*loaded, *firstSaved) || same(*loaded, *secondSaved));
     }
-    std::cout << "kills that left a named temporary file for the next start: " << leftBeforeStart << " of 30\n";
+    std::cout << "kills that left a named temporary file for the next start: " << leftBeforeStart
+              << " of 30\n";
 }
 
 } // namespace

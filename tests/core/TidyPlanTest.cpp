@@ -47,7 +47,8 @@ TEST(TidyClean, MakesOneSafeFileName) {
         {"control and format characters", "Bill\a\t\u200Bdue\r\n", "Billdue"},
         {"200 characters cut to 120", a200, std::string(120, 'a')},
         {"space at the cut trimmed", std::string(119, 'b') + " " + a200, std::string(119, 'b')},
-        {"combining marks count with their letter", accents.substr(0, 60 * 3) + std::string(70, 'x'),
+        {"combining marks count with their letter",
+         accents.substr(0, 60 * 3) + std::string(70, 'x'),
          accents.substr(0, 60 * 3) + std::string(60, 'x')},
         // 120 of them would be 360 bytes: as many as fit a file name with room for a number.
         {"cut between characters to fit in bytes", accents, accents.substr(0, 81 * 3)},

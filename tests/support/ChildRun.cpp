@@ -49,7 +49,8 @@ bool runsUnprivileged() {
     // on the way to the test program open to that user, which a private clone is not.
     const std::string dropped = "-dac_override,-dac_read_search";
     return geteuid() != 0 ||
-           runsInChild({"unprivileged", {"setpriv", "--inh-caps=" + dropped, "--bounding-set=" + dropped}});
+           runsInChild(
+               {"unprivileged", {"setpriv", "--inh-caps=" + dropped, "--bounding-set=" + dropped}});
 }
 
 std::optional<std::string> runShell(const std::string& command) {
