@@ -95,25 +95,22 @@ int TemporaryFile::close() {
     return result == 0 ? 0 : errno;
 }
 
-// Gives an unnamed file a free temporary name; 0 or the error number.
-int TemporaryFile::nameFree(std::string& name) {
+int TemporaryFile::linkUnnamed(const std::string& path) {
     const std::string self = "/proc/self/fd/" + std::to_string(fd_);
+    return linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0 ? 0
+                                                                                          : errno;
+}
+
+int TemporaryFile::nameFree(std::string& name) {
     for (int attempt = 0; attempt < 100; ++attempt) {
         name = temporaryName(folder_);
-        if (linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
-            return 0;
-        if (errno != EEXIST) return errno;
+        if (const int err = linkUnnamed(name); err != EEXIST) return err;
     }
     return EEXIST;
 }
 
 int TemporaryFile::placeNew(const std::string& path) {
-    if (named_.empty()) {
-        const std::string self = "/proc/self/fd/" + std::to_string(fd_);
-        return linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0
-                   ? 0
-                   : errno;
-    }
+    if (named_.empty()) return linkUnnamed(path);
     // A hard link never replaces anything.
     if (link(named_.c_str(), path.c_str()) != 0) return errno;
     unlink(named_.c_str());

@@ -45,6 +45,9 @@ class TemporaryFile {
     int fd_ = -1;
     int error_ = 0;
 
+    // Gives the unnamed file the name `path`, never replacing anything; 0 or the error number.
+    int linkUnnamed(const std::string& path);
+    // Gives the unnamed file a free temporary name; 0 or the error number.
     int nameFree(std::string& name);
 };
 
