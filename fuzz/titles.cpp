@@ -1,5 +1,6 @@
 // A title from any lines: nothing, or some text of at most the asked number of characters
 // (grapheme clusters), with "…" after it where it was cut.
+#include "core/Folders.h"
 #include "core/Titles.h"
 
 #include "FuzzInput.h"
@@ -27,6 +28,8 @@ size_t characters(const std::string& text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace lumivale;
+    // The reader gives UTF-8 only; how other bytes count as characters is not a title's concern.
+    if (!Folders::isUtf8({reinterpret_cast<const char*>(data), size})) return 0;
     const Shot shot = fuzz::shotOf({reinterpret_cast<const char*>(data), size});
     if (auto title = Titles::of(shot, 40)) {
         if (title->ends_with("\u2026"))

@@ -55,7 +55,7 @@ expect 0 "^Put 2 screenshots back" undo
 whole "the undo of that tidy"
 
 # Undo onto a full disk: nothing comes back, and all of it stays undoable until there is room.
-mount -o remount,size=2m "$archive"
+umount "$archive" && mount -t tmpfs -o size=2m archive "$archive" # the filed folders are empty now
 expect 0 "^Moved 6 screenshots" tidy --yes
 head -c 4m /dev/zero > "$shots/filler" 2> /dev/null || true
 expect 1 "^Put 0 back; 6 couldn't come back" undo
