@@ -1,6 +1,7 @@
 #include "app/AppModel.h"
 
 #include "app/Settings.h"
+#include "core/FileOps.h"
 #include "core/SearchQuery.h"
 #include "platform/Authenticator.h"
 #include "platform/KeychainKey.h"
@@ -150,6 +151,8 @@ void AppModel::load() {
     if (loaded_)
         return;
     loaded_ = true;
+    removeLeftovers(paths_.data);
+    removeLeftovers(paths_.vault);
     library_ = Library::load(paths_.libraryFile()).value_or(Library{});
     journals_ = JournalBook::load(paths_.journalFile());
     vaultCount_ = Vault(paths_.vault).count();
@@ -245,20 +248,60 @@ void AppModel::save() {
     const std::string journalFile = paths_.journalFile();
     savePool_.start([this, file, journalFile, shots = std::move(shots), extra = std::move(extra),
                      skipped = std::move(skipped), journals = journals_] {
-        const bool wroteLibrary = Library::write(file, shots, extra, skipped).isOk();
-        const bool ok = journals.save(journalFile).isOk() && wroteLibrary;
-        QMetaObject::invokeMethod(this, [this, ok] { emit saved(ok); }, Qt::QueuedConnection);
+        const Status wroteLibrary = Library::write(file, shots, extra, skipped);
+        const Status wroteJournal = journals.save(journalFile);
+        const Status written = wroteLibrary ? wroteJournal : wroteLibrary;
+        QMetaObject::invokeMethod(
+            this,
+            [this, written] {
+                noteSave(written);
+                emit saved(written.isOk());
+            },
+            Qt::QueuedConnection);
     });
 }
 
 void AppModel::waitForSaves() { savePool_.waitForDone(); }
 
-void AppModel::saveNow() {
+Status AppModel::saveNow() {
     if (isDemo_)
-        return;
+        return Status::ok();
     savePool_.waitForDone();
-    library_.save(paths_.libraryFile());
-    journals_.save(paths_.journalFile());
+    const Status wroteLibrary = library_.save(paths_.libraryFile());
+    const Status wroteJournal = journals_.save(paths_.journalFile());
+    const Status written = wroteLibrary ? wroteJournal : wroteLibrary;
+    noteSave(written);
+    return written;
+}
+
+void AppModel::noteSave(const Status& written) {
+    if (written) {
+        if (saveAlarm_) saveAlarm_->cancel();
+        saveAlarm_.reset();
+        saveWarned_ = false;
+        return;
+    }
+    saveError_ = written.message();
+    if (saveAlarm_) return;
+    // The save is tried again a minute on; saves that have failed all that minute are said once.
+    saveAlarm_ = services_.scheduler->after(std::chrono::minutes(1), this, [this] {
+        saveAlarm_.reset();
+        if (!saveWarned_) {
+            saveWarned_ = true;
+            flash("Lumivale hasn't been able to save its library for a minute: " + saveError_, true);
+        }
+        save();
+    });
+}
+
+bool AppModel::journalWritable() {
+    savePool_.waitForDone();
+    const Status written = journals_.save(paths_.journalFile());
+    if (!written)
+        flash("Nothing was moved: Lumivale can't write its journal, so it couldn't be undone (" +
+                  written.message() + ")",
+              true);
+    return written.isOk();
 }
 
 // --- derived values -------------------------------------------------------------------------

@@ -95,6 +95,8 @@ public:
     // Whether a query's matches are shown newest first instead of best first.
     bool newestFirst() const { return newestFirst_; }
     Date now() const { return services_.clock(); }
+    // The pictures the scans leave out because their names are not UTF-8.
+    const std::set<std::string>& leftAlone() const { return leftAlone_; }
     // The folders being watched for changes.
     QStringList watchedFolders() const { return watcher_.directories(); }
 
@@ -121,8 +123,8 @@ public:
     void rebuildSources();
     // Saves copies of the library and journal in the background; later saves land later.
     void save();
-    // Saves on the calling thread, after any background save.
-    void saveNow();
+    // Saves on the calling thread, after any background save; the first failure, if one came.
+    Status saveNow();
     // Waits until the background saves asked for so far have been written.
     void waitForSaves();
 
@@ -233,6 +235,7 @@ private:
         Source source;
         bool readable = false;
         std::vector<FoundFile> files;
+        std::vector<std::string> unnamed; // pictures left out for names that are not UTF-8
     };
 
     Paths paths_;
@@ -268,6 +271,10 @@ private:
     bool loading_ = false;
     bool rescanAgain_ = false;
     std::optional<std::vector<std::string>> languages_;
+    std::set<std::string> leftAlone_;
+    std::shared_ptr<Timer> saveAlarm_; // set while saves fail
+    std::string saveError_;
+    bool saveWarned_ = false;
 
     std::vector<std::string> readQueue_;
     size_t readNext_ = 0;
@@ -281,12 +288,17 @@ private:
     // What start does once the saved state is in: scan and watch, or ask for the welcome.
     void begin();
     void merge(const std::vector<ScanResult>& results);
+    void noteLeftAlone(const std::vector<ScanResult>& results);
     void startReads();
     void finishReading(const std::string& path, const Reading& reading);
     void applyReading(const std::string& path, const Reading& reading);
     void soon();
     void finishFolderChange();
     void showBanner(Banner banner);
+    // Keeps track of failing saves: after a minute without a good one, an error banner says so.
+    void noteSave(const Status& written);
+    // Whether the journal can be written, tried before files are moved; an error banner if not.
+    bool journalWritable();
     void report(const TidyResult& result, const std::string& verb);
 };
 

@@ -48,11 +48,11 @@ void AppModel::rescan() {
     listPool_.start([this, enabled, skipping, sharedScreenshotFolder] {
         std::vector<ScanResult> results;
         for (const Source& source : enabled) {
-            ScanResult result{source, Folders::canRead(source.path), {}};
+            ScanResult result{source, Folders::canRead(source.path), {}, {}};
             if (result.readable) {
                 const bool screenshots = source.kind == Source::Kind::screenshots;
                 result.files = Folders::list(source.path, screenshots && sharedScreenshotFolder,
-                                             screenshots ? 2 : 4, skipping, listLimit);
+                                             screenshots ? 2 : 4, skipping, listLimit, &result.unnamed);
             }
             results.push_back(std::move(result));
         }
@@ -111,6 +111,26 @@ void AppModel::merge(const std::vector<ScanResult>& results) {
         emit sourcesChanged();
     emit libraryChanged();
     save();
+    noteLeftAlone(results);
+}
+
+void AppModel::noteLeftAlone(const std::vector<ScanResult>& results) {
+    std::vector<std::string> fresh;
+    for (const ScanResult& result : results)
+        for (const std::string& path : result.unnamed)
+            if (leftAlone_.insert(path).second)
+                fresh.push_back(path);
+    // Said once for each, and never over what an action has to say: a name the library cannot
+    // hold is no reason to nag at every scan.
+    if (fresh.empty() || banner_)
+        return;
+    const std::string name = QString::fromUtf8(fresh.front().data(), static_cast<qsizetype>(fresh.front().size()))
+                                 .section('/', -1)
+                                 .toStdString();
+    flash(fresh.size() == 1 ? "Left alone \u201c" + name + "\u201d: its name isn't valid UTF-8"
+                            : "Left alone " + std::to_string(fresh.size()) +
+                                  " pictures whose names aren't valid UTF-8, such as \u201c" + name + "\u201d",
+          true);
 }
 
 const std::vector<std::string>& AppModel::languages() {

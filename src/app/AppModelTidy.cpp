@@ -15,7 +15,7 @@ std::string noun(int64_t n) { return n == 1 ? "screenshot" : "screenshots"; }
 } // namespace
 
 std::optional<TidyResult> AppModel::tidy(const TidyPlan& plan) {
-    if (plan.isEmpty())
+    if (plan.isEmpty() || !journalWritable())
         return std::nullopt;
     TidyResult result = Tidy::perform(plan, now());
     for (const Move& move : result.journal.entries)
@@ -39,7 +39,8 @@ std::optional<TidyResult> AppModel::trash(const std::vector<std::string>& paths)
     const int64_t n = static_cast<int64_t>(paths.size());
     if (!services_.confirm("Put " + grouped(n) + " " + noun(n) + " in the Trash?",
                            "You can put them back with Undo, or from the Trash in your file manager, until you empty it.",
-                           "Move to Trash"))
+                           "Move to Trash") ||
+        !journalWritable())
         return std::nullopt;
     TidyResult result = Tidy::trash(paths, now(), services_.trasher);
     for (const Move& move : result.journal.entries)
@@ -76,7 +77,11 @@ void AppModel::undo(const Journal& journal) {
     const UndoResult result = Tidy::undo(journal);
     for (const Move& move : result.restored)
         library_.move(move.from, move.to);
-    journals_.markUndone(journal.id);
+    // What could not come back but still lies where it was put stays undoable.
+    if (result.left.empty())
+        journals_.markUndone(journal.id);
+    else
+        journals_.narrow(journal.id, result.left);
     if (banner_) {
         banner_.reset();
         emit bannerChanged();

@@ -459,7 +459,7 @@ Outcome run(const std::string& dir, const std::function<void(AppModel::Services&
         outcome.report = run.checks.report();
         outcome.failures = run.checks.failures();
     }
-    writeAtomically(dir + "/selftest.txt", outcome.report);
+    outcome.written = writeAtomically(dir + "/selftest.txt", outcome.report);
     fs::remove_all(Tree(dir).root, ec);
     outcome.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();

@@ -17,6 +17,7 @@ struct Outcome {
     std::string report; // the report's text, as written to "selftest.txt"
     int failures = 0;
     double seconds = 0; // how long the run took
+    Status written;     // whether the report was written
 };
 
 // Runs every check with its working files under `dir`, writes dir/selftest.txt atomically and

@@ -39,6 +39,9 @@ void printError(const std::string& message);
 std::string absolutePathOf(const std::string& path);
 // The self-check into DIR (also entered through LUMIVALE_SELFTEST).
 int selfCheck(std::vector<std::string> args);
+// Gives up the power to read and write every file that root has, so that the self-check finds
+// permissions as a user does; before any thread starts, as it holds for this thread only.
+bool giveUpFileOverrides();
 
 } // namespace lumivale::cli
 

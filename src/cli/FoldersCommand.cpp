@@ -6,6 +6,7 @@
 #include "core/ScreenshotFolder.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QJsonObject>
 
 #include <iostream>
@@ -53,6 +54,10 @@ int folders(std::vector<std::string> args) {
     const auto source = std::find_if(model.sources().begin(), model.sources().end(),
                                      [&](const Source& s) { return s.path == path; });
     if (verb == "add") {
+        if (!QFileInfo(QString::fromStdString(path)).isDir()) {
+            printError("there is no folder at " + path);
+            return Exit::failed;
+        }
         model.addFolder(path);
     } else if (verb == "archive") {
         model.setArchive(path);
@@ -74,7 +79,8 @@ int folders(std::vector<std::string> args) {
         return usageError("unknown folders action '" + verb + "' (add, remove, on, off, archive)");
     }
     model.waitUntilIdle();
-    model.saveNow();
+    if (!saved(model))
+        return Exit::failed;
     printSources(model, json);
     return Exit::done;
 }

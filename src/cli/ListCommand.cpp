@@ -6,6 +6,7 @@
 #include "core/SearchQuery.h"
 
 #include <iostream>
+#include <unistd.h>
 
 namespace lumivale::cli {
 namespace {
@@ -49,7 +50,11 @@ int search(std::vector<std::string> args) {
     Session session;
     session.model().setPlace(Place::of(Place::Kind::all));
     session.model().setQuery(query);
-    print(session.model().visible(), json);
+    const std::vector<ShotPtr> found = session.model().visible();
+    print(found, json);
+    // A script reads no lines as no match; a person is told.
+    if (found.empty() && !json && isatty(STDOUT_FILENO))
+        std::cout << "No screenshot matches \u201c" << printable(query) << "\u201d.\n";
     return Exit::done;
 }
 

@@ -1,5 +1,6 @@
 #include "cli/Output.h"
 
+#include "core/Folders.h"
 #include "core/Titles.h"
 
 #include <QDateTime>
@@ -43,6 +44,34 @@ QJsonObject shotJson(const Shot& shot) {
     return o;
 }
 
+std::string printable(std::string_view text) {
+    std::string out;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        const auto byte = static_cast<unsigned char>(c);
+        // A byte that does not start a valid UTF-8 character is shown as its value.
+        size_t length = byte < 0x80 ? 1 : byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 0;
+        if (length > 1 && !Folders::isUtf8(text.substr(i, length)))
+            length = 0;
+        if (length > 1) {
+            out.append(text.substr(i, length));
+            i += length - 1;
+        } else if (c == '\n')
+            out += "\\n";
+        else if (c == '\t')
+            out += "\\t";
+        else if (c == '\\')
+            out += "\\\\";
+        else if (byte < 0x20 || byte >= 0x7F) {
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, "\\x%02X", byte);
+            out += escaped;
+        } else
+            out += c;
+    }
+    return out;
+}
+
 std::string shotLine(const Shot& shot) {
     const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(shot.date().time_since_epoch()).count();
     const std::string when = QDateTime::fromMSecsSinceEpoch(ms).toString("yyyy-MM-dd HH:mm").toStdString();
@@ -51,7 +80,7 @@ std::string shotLine(const Shot& shot) {
         shelf = "(couldn't be read)";
     char line[64];
     std::snprintf(line, sizeof line, "%-20s", shelf.c_str());
-    std::string out = std::string(line) + "  " + when + "  " + shot.path;
+    std::string out = std::string(line) + "  " + when + "  " + printable(shot.path);
     if (shot.isRead() && shot.isSensitive())
         out += "  [private]";
     return out;

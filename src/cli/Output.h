@@ -17,6 +17,9 @@ void printJsonLine(const QJsonObject& object);
 QString isoDate(Date date);
 // A shot as the list and search commands give it.
 QJsonObject shotJson(const Shot& shot);
+// Text for a terminal: line feeds, tabs, other control characters and bytes that are not UTF-8
+// written as escapes ("\n", "\x1B", "\xFF"), and so a backslash too ("\\").
+std::string printable(std::string_view text);
 // One line for people: shelf, date, name, private mark, path.
 std::string shotLine(const Shot& shot);
 // The counts of a tally.

@@ -176,9 +176,16 @@ int runRead(std::vector<std::string> args) {
             return usageError("unknown option '" + arg + "' (see lumivale --help)");
     files.insert(files.begin(), args.begin(), args.end());
     if (files.empty()) return usageError("usage: lumivale read [--json] [--lang TAG]... FILE...");
+    const std::vector<std::string> supported = ReadingLanguages::supported();
+    for (const std::string& tag : languages)
+        if (std::find(supported.begin(), supported.end(), tag) == supported.end()) {
+            std::string installed;
+            for (const std::string& s : supported)
+                installed += (installed.empty() ? "" : ", ") + s;
+            return usageError("no reading model for '" + tag + "' is installed (installed: " + installed + ")");
+        }
     if (languages.empty())
-        languages = ReadingLanguages::defaults(ReadingLanguages::preferred(),
-                                               ReadingLanguages::supported());
+        languages = ReadingLanguages::defaults(ReadingLanguages::preferred(), supported);
 
     // Files are read on a few threads and shown in the order they were given, each as soon as
     // it and every file before it are done.

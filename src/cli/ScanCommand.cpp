@@ -58,7 +58,8 @@ int scan(std::vector<std::string> args) {
     model.rescan();
     model.waitUntilIdle();
     bar.finish();
-    model.saveNow();
+    if (!saved(model))
+        return Exit::failed;
 
     const Tally tally = model.tally();
     if (json) {
@@ -71,6 +72,8 @@ int scan(std::vector<std::string> args) {
     for (const Source& source : model.sources())
         if (source.enabled && !source.readable)
             printError("can't open " + source.path);
+    for (const std::string& path : model.leftAlone())
+        printError("left alone " + printable(path) + ": its name isn't valid UTF-8");
     return Exit::done;
 }
 

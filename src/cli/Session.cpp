@@ -40,12 +40,33 @@ bool confirmOnTerminal(const std::string& message, const std::string& detail, co
     return !answer.empty() && (answer[0] == 'y' || answer[0] == 'Y');
 }
 
-int saveAndSay(AppModel& model) {
-    model.saveNow();
+int say(const AppModel& model) {
     if (!model.banner())
         return Exit::failed;
     (model.banner()->isError ? std::cerr : std::cout) << model.banner()->text << "\n";
     return model.banner()->isError ? Exit::failed : Exit::done;
+}
+
+int saveAndSay(AppModel& model) {
+    const bool kept = saved(model);
+    const int status = say(model);
+    return kept ? status : Exit::failed;
+}
+
+bool saved(AppModel& model) {
+    const Status written = model.saveNow();
+    if (!written)
+        printError("the change couldn't be saved in " + model.paths().data + ": " + written.message());
+    return written.isOk();
+}
+
+bool allInLibrary(const AppModel& model, const std::vector<std::string>& paths) {
+    for (const std::string& path : paths)
+        if (!model.library().find(path)) {
+            printError(path + " isn't a screenshot in the library (run lumivale scan first)");
+            return false;
+        }
+    return true;
 }
 
 bool stderrIsTerminal() { return isatty(STDERR_FILENO) == 1; }

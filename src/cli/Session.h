@@ -26,9 +26,15 @@ private:
 // Asks on the terminal; refuses (saying how to go ahead) when standard input is not one.
 bool confirmOnTerminal(const std::string& message, const std::string& detail, const std::string& button);
 
-// Saves, prints the model's banner (an error banner on standard error) and gives the exit status
-// it stands for; a failure when there is no banner.
+// Prints the model's banner (an error banner on standard error) and gives the exit status it
+// stands for; a failure when there is no banner.
+int say(const AppModel& model);
+// Saves, then says as `say` does; a failure too when the save failed (saying why).
 int saveAndSay(AppModel& model);
+// Saves now; false after saying why when the change could not be kept.
+bool saved(AppModel& model);
+// Whether every path is a screenshot in the library; false after naming the first that is not.
+bool allInLibrary(const AppModel& model, const std::vector<std::string>& paths);
 
 // Whether standard error is a terminal (progress bars are drawn only there).
 bool stderrIsTerminal();

@@ -26,7 +26,8 @@ int shelf(std::vector<std::string> args) {
         return Exit::failed;
     }
     model.setShelf(path, chosen);
-    model.saveNow();
+    if (!saved(model))
+        return Exit::failed;
     const Shot* now = model.library().find(path);
     std::cout << now->name() << ": " << shelfTitle(now->category()) << (now->manual ? " (by hand)" : " (automatic)") << "\n";
     return Exit::done;

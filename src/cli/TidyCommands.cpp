@@ -87,7 +87,8 @@ int tidy(std::vector<std::string> args) {
                                        model.paths().archive + "?",
                                    "Nothing is deleted. Undo puts everything back.", "Move"))
         return Exit::failed;
-    model.tidy(plan);
+    if (!model.tidy(plan))
+        return say(model);
     return saveAndSay(model);
 }
 
@@ -129,7 +130,7 @@ int clear(std::vector<std::string> args) {
     if (dryRun || paths.empty())
         return Exit::done;
     if (!model.trash(paths))
-        return Exit::failed;
+        return say(model);
     return saveAndSay(model);
 }
 
@@ -141,8 +142,10 @@ int trash(std::vector<std::string> args) {
     for (const std::string& arg : args)
         paths.push_back(absolutePathOf(arg));
     Session session(yes);
-    if (!session.model().trash(paths))
+    if (!allInLibrary(session.model(), paths))
         return Exit::failed;
+    if (!session.model().trash(paths))
+        return say(session.model());
     return saveAndSay(session.model());
 }
 

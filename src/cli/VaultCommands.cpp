@@ -45,11 +45,8 @@ int lock(std::vector<std::string> args) {
         paths.push_back(absolutePathOf(arg));
     Session session(yes);
     AppModel& model = session.model();
-    for (const std::string& path : paths)
-        if (!model.library().find(path)) {
-            printError(path + " isn't in the library (run lumivale scan first)");
-            return Exit::failed;
-        }
+    if (!allInLibrary(model, paths))
+        return Exit::failed;
     const int64_t before = model.vaultCount();
     model.lock(paths);
     if (!model.banner()) {

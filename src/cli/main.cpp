@@ -50,7 +50,7 @@ int main(int argc, char** argv) {
         args = {"selfcheck", dir};
     bool missing = false;
     const auto data = lumivale::cli::takeValues(args, "--data", missing);
-    if (missing)
+    if (missing || (!data.empty() && data.back().empty()))
         return lumivale::cli::usageError("--data needs a folder");
     if (!data.empty())
         setenv("LUMIVALE_DATA_DIR", data.back().c_str(), 1);
@@ -64,9 +64,14 @@ int main(int argc, char** argv) {
         return lumivale::cli::Exit::done;
     }
     if (args[0] == "--version") {
+        if (args.size() > 1)
+            return lumivale::cli::usageError("--version takes nothing after it");
         std::cout << "lumivale " LUMIVALE_VERSION "\n";
         return lumivale::cli::Exit::done;
     }
+    if (args[0] == "selfcheck" && !lumivale::cli::giveUpFileOverrides())
+        std::cerr << "lumivale: the self-check keeps root's power over every file, so a check of "
+                     "permissions may fail\n";
     for (const auto& command : lumivale::cli::commands()) {
         if (args[0] != command.name)
             continue;
@@ -78,5 +83,7 @@ int main(int argc, char** argv) {
         args.erase(args.begin());
         return command.run(std::move(args));
     }
-    return lumivale::cli::usageError("unknown command '" + args[0] + "' (see lumivale --help)");
+    const bool option = args[0].size() > 1 && args[0][0] == '-';
+    return lumivale::cli::usageError("unknown " + std::string(option ? "option" : "command") + " '" + args[0] +
+                                     "' (see lumivale --help)");
 }

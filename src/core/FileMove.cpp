@@ -61,12 +61,6 @@ class FileHandle {
     FileHandle(const FileHandle&) = delete;
     FileHandle& operator=(const FileHandle&) = delete;
     int get() const { return fd_; }
-    // Closes now, reporting the error that a late write may only show here.
-    int close() {
-        const int result = ::close(fd_);
-        fd_ = -1;
-        return result == 0 ? 0 : errno;
-    }
 
   private:
     int fd_;
@@ -131,18 +125,14 @@ Status moveAcross(const std::string& from, const std::string& to, const WriteCal
     if (isTaken(to)) return failure(EEXIST);
 
     const std::string_view folder = parentPath(to);
-    std::string temporary = joinPath(folder, ".lumivale-move-XXXXXX");
-    FileHandle out(mkostemp(temporary.data(), O_CLOEXEC));
-    if (out.get() < 0) return failure(errno);
-    int err = fillCopy(in.get(), source, out.get(), write);
-    if (!err) err = placeNoReplace(temporary, to);
-    if (err) {
-        unlink(temporary.c_str());
-        return failure(err);
-    }
+    TemporaryFile out{std::string(folder)};
+    if (out.error()) return failure(out.error());
+    int err = fillCopy(in.get(), source, out.fd(), write);
+    if (!err) err = out.placeNew(to);
+    if (err) return failure(err);
     // The copy now stands at `to`; from here on a failure removes it again.
     struct stat copy {};
-    if (fstat(out.get(), &copy) != 0)
+    if (fstat(out.fd(), &copy) != 0)
         err = errno;
     else if (copy.st_size != source.st_size)
         err = EIO;

@@ -1,9 +1,14 @@
 #include "core/FileOps.h"
 
+#include <atomic>
 #include <cerrno>
+#include <charconv>
+#include <csignal>
 #include <cstdlib>
+#include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <random>
 #include <unistd.h>
 #include <utility>
 
@@ -27,13 +32,6 @@ Status writeAll(int fd, std::string_view bytes, const WriteCall& write) {
     return Status::ok();
 }
 
-Status syncAndClose(int fd) {
-    Status status = Status::ok();
-    if (fsync(fd) != 0) status = Status::failure(describeErrno(errno), errno);
-    if (close(fd) != 0 && status) status = Status::failure(describeErrno(errno), errno);
-    return status;
-}
-
 void syncFolder(const std::string& folder) {
     const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd >= 0) {
@@ -42,7 +40,103 @@ void syncFolder(const std::string& folder) {
     }
 }
 
+// Temporary files are ".lumivale-PID-NUMBER", hidden from every listing.
+constexpr std::string_view temporaryPrefix = ".lumivale-";
+
+std::string temporaryName(const std::string& folder) {
+    static std::atomic<uint64_t> counter{std::random_device{}()};
+    return folder + "/" + std::string(temporaryPrefix) + std::to_string(getpid()) + "-" +
+           std::to_string(counter++);
+}
+
+// The file systems that cannot make unnamed files say so with one of these.
+bool noUnnamedFiles(int err) {
+    return err == EOPNOTSUPP || err == EISDIR || err == EINVAL || err == ENOENT;
+}
+
+// The process that made a temporary file of this name, or 0 when it is not one.
+pid_t makerOf(std::string_view name) {
+    if (!name.starts_with(temporaryPrefix)) return 0;
+    name.remove_prefix(temporaryPrefix.size());
+    pid_t pid = 0;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
+    return error == std::errc() && end != name.data() && *end == '-' ? pid : 0;
+}
+
 } // namespace
+
+TemporaryFile::TemporaryFile(const std::string& folder, mode_t mode) : folder_(folder) {
+    // An unnamed file is named through /proc, which a bare container may lack.
+    static const bool procThere = access("/proc/self/fd", X_OK) == 0;
+    fd_ = procThere ? open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, mode) : -1;
+    if (fd_ >= 0 || (procThere && !noUnnamedFiles(errno))) {
+        error_ = fd_ < 0 ? errno : 0;
+        return;
+    }
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        named_ = temporaryName(folder);
+        fd_ = open(named_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (fd_ >= 0 || errno != EEXIST) break;
+    }
+    if (fd_ < 0) {
+        error_ = errno;
+        named_.clear();
+    }
+}
+
+TemporaryFile::~TemporaryFile() {
+    if (fd_ >= 0) ::close(fd_);
+    if (!named_.empty()) unlink(named_.c_str());
+}
+
+int TemporaryFile::close() {
+    const int result = ::close(fd_);
+    fd_ = -1;
+    return result == 0 ? 0 : errno;
+}
+
+int TemporaryFile::linkUnnamed(const std::string& path) {
+    const std::string self = "/proc/self/fd/" + std::to_string(fd_);
+    return linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0 ? 0
+                                                                                          : errno;
+}
+
+int TemporaryFile::nameFree(std::string& name) {
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        name = temporaryName(folder_);
+        if (const int err = linkUnnamed(name); err != EEXIST) return err;
+    }
+    return EEXIST;
+}
+
+int TemporaryFile::placeNew(const std::string& path) {
+    if (named_.empty()) return linkUnnamed(path);
+    // A hard link never replaces anything.
+    if (link(named_.c_str(), path.c_str()) != 0) return errno;
+    unlink(named_.c_str());
+    named_.clear();
+    return 0;
+}
+
+int TemporaryFile::replace(const std::string& path) {
+    // Linux cannot put an unnamed file over another one: it takes a name for this short step.
+    if (named_.empty())
+        if (const int err = nameFree(named_)) return err;
+    if (rename(named_.c_str(), path.c_str()) != 0) return errno;
+    named_.clear();
+    return 0;
+}
+
+void removeLeftovers(const std::string& folder) {
+    DIR* dir = opendir(folder.c_str());
+    if (!dir) return;
+    while (const dirent* entry = readdir(dir)) {
+        const pid_t maker = makerOf(entry->d_name);
+        if (maker > 0 && kill(maker, 0) != 0 && errno == ESRCH)
+            unlinkat(dirfd(dir), entry->d_name, 0);
+    }
+    closedir(dir);
+}
 
 ssize_t systemWrite(int fd, const void* data, size_t length) {
     return ::write(fd, data, length);
@@ -62,26 +156,21 @@ Status writeAtomically(const std::string& path, std::string_view bytes, const Wr
 }
 
 AtomicFile::AtomicFile(std::string path, WriteCall write)
-    : path_(std::move(path)), temporary_(path_ + ".XXXXXX"), write_(std::move(write)) {
+    : path_(std::move(path)), write_(std::move(write)) {
     status_ = makeFolders(parentOf(path_));
     if (!status_) return;
-    fd_ = mkostemp(temporary_.data(), O_CLOEXEC);
-    if (fd_ < 0) status_ = Status::failure(describeErrno(errno), errno);
+    file_.emplace(parentOf(path_));
+    if (file_->error()) status_ = Status::failure(describeErrno(file_->error()), file_->error());
 }
 
-AtomicFile::~AtomicFile() {
-    if (fd_ >= 0) {
-        close(fd_);
-        unlink(temporary_.c_str());
-    }
-}
+AtomicFile::~AtomicFile() = default;
 
 Status AtomicFile::append(std::string_view bytes) {
     if (!status_) return status_;
-    status_ = writeAll(fd_, bytes, write_);
+    status_ = writeAll(file_->fd(), bytes, write_);
     if (status_) {
         // Start the disk on these bytes now, so the flush at the end has little left to wait for.
-        sync_file_range(fd_, static_cast<off_t>(written_), static_cast<off_t>(bytes.size()),
+        sync_file_range(file_->fd(), static_cast<off_t>(written_), static_cast<off_t>(bytes.size()),
                         SYNC_FILE_RANGE_WRITE);
         written_ += bytes.size();
     }
@@ -90,29 +179,22 @@ Status AtomicFile::append(std::string_view bytes) {
 
 Status AtomicFile::commit() {
     if (!status_) return status_;
-    status_ = syncAndClose(std::exchange(fd_, -1));
-    if (status_ && rename(temporary_.c_str(), path_.c_str()) != 0)
-        status_ = Status::failure(describeErrno(errno), errno);
-    if (!status_) {
-        unlink(temporary_.c_str());
-        return status_;
-    }
+    // Once the flush went through, closing can lose nothing.
+    int err = fsync(file_->fd()) != 0 ? errno : 0;
+    if (!err) err = file_->replace(path_);
+    if (err) return status_ = Status::failure(describeErrno(err), err);
     syncFolder(parentOf(path_));
     return status_;
 }
 
 Status writeNew(const std::string& path, std::string_view bytes, const WriteCall& write) {
-    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-    if (fd < 0) return Status::failure(describeErrno(errno), errno);
-    Status written = writeAll(fd, bytes, write);
-    if (written)
-        written = syncAndClose(fd);
-    else
-        close(fd);
-    if (!written) {
-        unlink(path.c_str());
-        return written;
-    }
+    TemporaryFile file(parentOf(path), 0644);
+    if (file.error()) return Status::failure(describeErrno(file.error()), file.error());
+    Status written = writeAll(file.fd(), bytes, write);
+    if (!written) return written;
+    int err = fsync(file.fd()) != 0 ? errno : 0;
+    if (!err) err = file.placeNew(path);
+    if (err) return Status::failure(describeErrno(err), err);
     syncFolder(parentOf(path));
     return Status::ok();
 }

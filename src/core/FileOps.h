@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -15,6 +16,44 @@ namespace lumivale {
 using WriteCall = std::function<ssize_t(int fd, const void* data, size_t length)>;
 // The real write(2).
 ssize_t systemWrite(int fd, const void* data, size_t length);
+
+// A file being written that takes its name only once complete, so a process killed while
+// writing leaves nothing behind: it has no name at all where the file system allows
+// (O_TMPFILE), else a hidden name beside its target that says which process made it (see
+// removeLeftovers).
+class TemporaryFile {
+  public:
+    // Opens a new file with these permissions in `folder`; error() says why when it could not.
+    explicit TemporaryFile(const std::string& folder, mode_t mode = 0600);
+    // Closes the file and removes it unless it was put in place.
+    ~TemporaryFile();
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    int fd() const { return fd_; }
+    // The error number of the open, or 0.
+    int error() const { return error_; }
+    // Gives the file the name `path`, replacing what was there; 0 or the error number.
+    int replace(const std::string& path);
+    // Gives the file the name `path` only when nothing is there; 0 or the error number (EEXIST).
+    int placeNew(const std::string& path);
+    // Closes the file now, reporting the error that a late write may only show here.
+    int close();
+
+  private:
+    std::string folder_, named_;
+    int fd_ = -1;
+    int error_ = 0;
+
+    // Gives the unnamed file the name `path`, never replacing anything; 0 or the error number.
+    int linkUnnamed(const std::string& path);
+    // Gives the unnamed file a free temporary name; 0 or the error number.
+    int nameFree(std::string& name);
+};
+
+// Removes the temporary files that processes no longer running left in `folder` (a machine that
+// lost power, a process that was killed between naming its file and putting it in place).
+void removeLeftovers(const std::string& folder);
 
 // Replaces the file at `path` with `bytes` or leaves it as it was: a temporary file in the same
 // folder is written, flushed, renamed over the target, and the folder is flushed. Makes the
@@ -39,9 +78,9 @@ class AtomicFile {
     Status commit();
 
   private:
-    std::string path_, temporary_;
+    std::string path_;
     WriteCall write_;
-    int fd_ = -1;
+    std::optional<TemporaryFile> file_;
     Status status_;
     uint64_t written_ = 0;
 };

@@ -10,6 +10,7 @@
 #include <optional>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <unicode/utf8.h>
 #include <unistd.h>
 #include <unordered_set>
 
@@ -34,6 +35,7 @@ struct Walk {
     const std::set<std::string>& skipping;
     size_t limit;
     std::vector<FoundFile>& found;
+    std::vector<std::string>* unnamed;
 };
 
 std::string childPath(const std::string& folder, const std::string& name) {
@@ -115,6 +117,12 @@ void visit(Walk& walk, int folder, const std::string& folderPath, const Entry& e
         !(st.stx_mask & STATX_TYPE))
         return;
     const std::string path = childPath(folderPath, entry.name);
+    const bool wanted =
+        S_ISDIR(st.stx_mode) ? depth > 0 : S_ISREG(st.stx_mode) && hasImageExtension(entry.name);
+    if (wanted && !isUtf8(entry.name)) {
+        if (walk.unnamed) walk.unnamed->push_back(path);
+        return;
+    }
     if (S_ISDIR(st.stx_mode)) {
         if (depth > 0) walkFolder(walk, folder, entry.name, path, depth - 1, false);
         return;
@@ -167,10 +175,11 @@ std::string withoutTrailingSlashes(std::string path) {
 } // namespace
 
 std::vector<FoundFile> list(const std::string& path, bool screenshotsOnly, int depth,
-                            const std::set<std::string>& skipping, int64_t limit) {
+                            const std::set<std::string>& skipping, int64_t limit,
+                            std::vector<std::string>* unnamed) {
     std::vector<FoundFile> found;
     if (limit <= 0 || path.empty()) return found;
-    Walk walk{screenshotsOnly, skipping, static_cast<size_t>(limit), found};
+    Walk walk{screenshotsOnly, skipping, static_cast<size_t>(limit), found, unnamed};
     const std::string folder = withoutTrailingSlashes(path);
     // The folder itself may be reached through a link (a Desktop linked elsewhere); only the
     // links inside it are never followed.
@@ -195,6 +204,17 @@ bool canRead(const std::string& path) {
     // its place, or a folder that cannot be listed for another reason, is.
     struct stat st;
     return stat(path.c_str(), &st) != 0;
+}
+
+bool isUtf8(std::string_view text) {
+    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+    const auto length = static_cast<int32_t>(text.size());
+    for (int32_t i = 0; i < length;) {
+        UChar32 c;
+        U8_NEXT(bytes, i, length, c);
+        if (c < 0) return false;
+    }
+    return true;
 }
 
 bool isScreenCapture(const std::string& path) {

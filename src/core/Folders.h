@@ -40,9 +40,14 @@ inline constexpr const char* screenCaptureAttribute =
 // whose path is in `skipping`, each folder's entries taken in byte order of their names.
 // Hidden files, links, empty files and files of `maxBytes` or more are left out; with
 // `screenshotsOnly`, so is every file that `isScreenCapture` rejects. A folder that cannot be
-// listed gives nothing.
+// listed gives nothing. Names that are not UTF-8 cannot be kept in the library as they are, so
+// such pictures and folders are left out too; `unnamed` gets their paths.
 std::vector<FoundFile> list(const std::string& path, bool screenshotsOnly, int depth,
-                            const std::set<std::string>& skipping, int64_t limit);
+                            const std::set<std::string>& skipping, int64_t limit,
+                            std::vector<std::string>* unnamed = nullptr);
+
+// Whether the text is valid UTF-8.
+bool isUtf8(std::string_view text);
 
 // Whether the folder can be listed; a folder that does not exist counts as readable, one
 // that exists but cannot be listed (no permission, or not a folder) does not.

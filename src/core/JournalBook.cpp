@@ -146,6 +146,15 @@ void JournalBook::markUndone(std::string_view id) {
     }
 }
 
+void JournalBook::narrow(std::string_view id, std::vector<Move> left) {
+    for (Journal& journal : entries) {
+        if (journal.id == id) {
+            journal.entries = std::move(left);
+            return;
+        }
+    }
+}
+
 JournalBook JournalBook::load(const std::string& file) {
     const auto bytes = readBytes(file);
     if (!bytes) return {};

@@ -26,6 +26,8 @@ struct JournalBook {
     std::optional<Journal> lastUndoable() const;
     // Marks the journal with this identifier undone, so it is never offered again.
     void markUndone(std::string_view id);
+    // Leaves only these entries of the journal with this identifier to be undone.
+    void narrow(std::string_view id, std::vector<Move> left);
 
     // The book in the file; an empty book when the file is missing, unreadable or damaged.
     static JournalBook load(const std::string& file);

@@ -14,8 +14,13 @@ namespace {
 constexpr size_t none = std::string_view::npos;
 
 #ifdef LUMIVALE_WIDE_SEARCH
+// AVX2 for this code only (the lambdas within included); the rest runs on any x86-64.
+#ifdef __clang__
+#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
+#else
 #pragma GCC push_options
 #pragma GCC target("avx2")
+#endif
 // Sixty-four starts at a time: a start is worth a full comparison only where the needle's
 // first, second and last bytes are all in place, which in real text is rare. Needs a needle of
 // two bytes or more that fits in the text from `from` on.
@@ -65,7 +70,11 @@ size_t findWide(std::string_view text, std::string_view needle, size_t from) {
             return at;
     return none;
 }
+#ifdef __clang__
+#pragma clang attribute pop
+#else
 #pragma GCC pop_options
+#endif
 
 bool hasWideSearch() {
     static const bool has = __builtin_cpu_supports("avx2");

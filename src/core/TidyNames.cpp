@@ -12,11 +12,16 @@
 #include <unicode/smpdtfmt.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
+#include <unicode/utf8.h>
 
 namespace lumivale::Tidy {
 namespace {
 
 constexpr int32_t kMaxNameCharacters = 120;
+// The longest file name Linux file systems take, in bytes.
+constexpr size_t kMaxNameBytes = 255;
+// Room a cleaned name leaves for a collision number and an extension (" 10000.jpeg").
+constexpr size_t kRoomForNumberAndExtension = 11;
 
 bool isSpace(UChar32 c) {
     return u_charType(c) == U_SPACE_SEPARATOR;
@@ -38,19 +43,42 @@ icu::UnicodeString trimmed(const icu::UnicodeString& s, bool (*isBlank)(UChar32)
     return icu::UnicodeString(s, start, end - start);
 }
 
-// Where the first `count` grapheme clusters end, or nothing when the text has no more than that.
-std::optional<int32_t> endOfCharacters(const icu::UnicodeString& s, int32_t count) {
-    if (s.countChar32() <= count) return std::nullopt;
+// Where the text must end to keep at most `count` grapheme clusters and `bytes` bytes of UTF-8,
+// cut only between clusters; nothing when it fits whole.
+std::optional<int32_t> endOfCharacters(const icu::UnicodeString& s, int32_t count, size_t bytes) {
+    const auto utf8Length = [&](int32_t from, int32_t to) {
+        size_t n = 0;
+        for (int32_t i = from; i < to; i = s.moveIndex32(i, 1))
+            n += U8_LENGTH(s.char32At(i));
+        return n;
+    };
+    if (s.countChar32() <= count && utf8Length(0, s.length()) <= bytes) return std::nullopt;
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::BreakIterator> characters(
         icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
     if (U_FAILURE(status)) std::abort(); // ICU's own data is missing: nothing can be named safely
     characters->setText(s);
-    int32_t boundary = characters->first();
-    for (int32_t i = 0; i < count && boundary != icu::BreakIterator::DONE; ++i)
-        boundary = characters->next();
-    if (boundary == icu::BreakIterator::DONE || boundary >= s.length()) return std::nullopt;
-    return boundary;
+    int32_t end = characters->first();
+    size_t used = 0;
+    for (int32_t i = 0; i < count; ++i) {
+        const int32_t next = characters->next();
+        if (next == icu::BreakIterator::DONE) return std::nullopt;
+        used += utf8Length(end, next);
+        if (used > bytes) break;
+        end = next;
+    }
+    if (end >= s.length()) return std::nullopt;
+    return end;
+}
+
+// The longest start of a UTF-8 text that fits `bytes` without cutting a character (a name that
+// is not UTF-8 is cut at the byte).
+std::string fitBytes(const std::string& text, size_t bytes) {
+    if (text.size() <= bytes) return text;
+    size_t end = bytes;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return text.substr(0, end);
 }
 
 std::string utf8(const icu::UnicodeString& s) {
@@ -90,7 +118,10 @@ std::string unique(const std::string& candidate, const std::string& from,
     const std::string_view ext = extensionOf(name);
     const std::string dotExt = ext.empty() ? std::string() : "." + std::string(ext);
     for (int n = 2; n <= 10000; ++n) {
-        std::string numbered = folder + base + " " + std::to_string(n) + dotExt;
+        const std::string suffix = " " + std::to_string(n) + dotExt;
+        // A name already at the length limit gives up the end of its base for the number.
+        const size_t room = kMaxNameBytes > suffix.size() ? kMaxNameBytes - suffix.size() : 0;
+        std::string numbered = folder + fitBytes(base, room) + suffix;
         if (isFree(numbered)) return numbered;
     }
     return folder + newUuid() + dotExt;
@@ -107,11 +138,14 @@ std::string clean(std::string_view text) {
         if (c == '/' || c == ':') c = '-';
         s.append(c);
     }
-    int32_t dots = 0;
-    while (dots < s.length() && s.charAt(dots) == '.')
-        ++dots;
-    s = trimmed(icu::UnicodeString(s, dots), isSpaceOrLineBreak);
-    if (const auto end = endOfCharacters(s, kMaxNameCharacters))
+    // White space may hide dots (" .hidden") and dots white space ("..  x"): drop both until
+    // neither leads.
+    s = trimmed(s, isSpaceOrLineBreak);
+    while (s.startsWith(u"."))
+        s = trimmed(icu::UnicodeString(s, 1), isSpaceOrLineBreak);
+    // 120 characters may be far more bytes than a file name can hold.
+    if (const auto end =
+            endOfCharacters(s, kMaxNameCharacters, kMaxNameBytes - kRoomForNumberAndExtension))
         s = trimmed(icu::UnicodeString(s, 0, *end), isSpace);
     return s.isEmpty() ? std::string("Screenshot") : utf8(s);
 }

@@ -95,6 +95,7 @@ UndoResult undo(const Journal& journal) {
             result.restored.push_back({entry->to, std::move(back)});
         } else {
             result.failed[entry->from] = moved.message();
+            result.left.insert(result.left.begin(), *entry);
         }
     }
     return result;

@@ -63,10 +63,13 @@ struct TrashOutcome {
 // Puts the file at a path in the Trash.
 using Trasher = std::function<TrashOutcome(const std::string& path)>;
 
-// What an undo put back (each from its filed place to where it now is) and what it could not.
+// What an undo put back (each from its filed place to where it now is) and what it could not;
+// `left` holds the journal's entries that failed but still lie where they were put, so that a
+// later undo can try them again.
 struct UndoResult {
     std::vector<Move> restored;
     std::map<std::string, std::string> failed;
+    std::vector<Move> left;
 };
 
 } // namespace lumivale

@@ -103,6 +103,51 @@ TEST(AppModelTest, aBurstOfFileEventsCausesOneRescanAfterTheQuiet) {
     EXPECT_TRUE(model.watchedFolders().isEmpty());
 }
 
+// Saves that keep failing for a minute are said once in an error banner, and tried again; a good
+// save ends the trouble.
+TEST(AppModelTest, aSaveThatKeepsFailingForAMinuteShowsAnErrorBanner) {
+    World world;
+    AppModel& model = world.open({"receipt.png"});
+    fs::remove_all(world.tmp.file("data"));
+    test::writeFile(world.tmp.file("data"), "not a folder");
+    int saves = 0;
+    QObject::connect(&model, &AppModel::saved, [&](bool ok) {
+        EXPECT_FALSE(ok);
+        ++saves;
+    });
+    const auto settle = [&](int wanted) {
+        for (int spin = 0; spin < 200 && saves < wanted; ++spin) {
+            model.waitForSaves();
+            QCoreApplication::processEvents();
+        }
+        ASSERT_EQ(saves, wanted);
+    };
+    model.setShelf(world.shot("receipt.png"), Shelf::chats);
+    settle(1);
+    world.scheduler->advance(30s);
+    model.setShelf(world.shot("receipt.png"), Shelf::code);
+    settle(2);
+    world.scheduler->advance(29s);
+    EXPECT_FALSE(model.banner()) << "a failed save is silent at first";
+    world.scheduler->advance(1s);
+    EXPECT_EQ(test::bannerOf(model), "Lumivale hasn't been able to save its library for a minute: "
+                                     "Not a directory [error]");
+    settle(3); // tried again
+    world.scheduler->advance(60s);
+    EXPECT_FALSE(model.banner()) << "said once";
+    settle(4);
+
+    fs::remove(world.tmp.file("data"));
+    QObject::disconnect(&model, &AppModel::saved, nullptr, nullptr);
+    model.waitForSaves();
+    EXPECT_TRUE(model.saveNow());
+    EXPECT_TRUE(world.scheduler->pending().empty()) << "no more retries once saved";
+    EXPECT_EQ(Library::load(world.tmp.file("data/library.plist"))
+                  ->find(world.shot("receipt.png"))
+                  ->manual,
+              Shelf::code);
+}
+
 TEST(AppModelTest, settingsOfTheWrongTypeOrMissingTakeTheirDefaults) {
     World world;
     for (const std::string given : {"set", "of the wrong type", "missing"}) {

@@ -91,5 +91,56 @@ TEST(AppModelTidy, trashingAsksFirstAndRecordsWhereEachFileWent) {
                                      "Trash is not available [error] [undo]");
 }
 
+// Puts a file where the data folder should be, so that nothing can be saved there.
+void blockDataFolder(World& world) {
+    fs::remove_all(world.tmp.file("data"));
+    test::writeFile(world.tmp.file("data"), "not a folder");
+}
+
+// A change that could not be journaled could not be undone: with the journal unwritable, filing
+// and trashing move nothing and say why.
+TEST(AppModelTidy, movesNothingWhenItsJournalCannotBeWritten) {
+    for (const bool trashing : {false, true}) {
+        SCOPED_TRACE(trashing ? "trash" : "tidy");
+        World world;
+        AppModel& model = world.open({"receipt.png"});
+        const std::string receipt = world.shot("receipt.png");
+        blockDataFolder(world);
+        const auto result =
+            trashing ? model.trash({receipt}) : model.tidy(fileIntoFolders(model, TidyChoices{}));
+        EXPECT_FALSE(result);
+        EXPECT_TRUE(fs::exists(receipt));
+        EXPECT_NE(model.library().find(receipt), nullptr);
+        EXPECT_FALSE(model.canUndo());
+        EXPECT_EQ(test::bannerOf(model),
+                  "Nothing was moved: Lumivale can't write its journal, so it "
+                  "couldn't be undone (Not a directory) [error]");
+    }
+}
+
+// What could not come back (its folder is gone, a file stands in its place) stays undoable, and
+// comes back once the way is clear.
+TEST(AppModelTidy, whatAFailedUndoLeftBehindCanStillBeUndone) {
+    World world;
+    AppModel& model = world.open({"receipt.png", "chat.png"});
+    ASSERT_TRUE(model.tidy(fileIntoFolders(model, TidyChoices{})));
+    fs::remove_all(world.shots());
+    test::writeFile(world.shots(), "in the way");
+    model.undoLast();
+    model.waitUntilIdle();
+    EXPECT_EQ(test::bannerOf(model), "Put 0 back; 2 couldn't come back [error]");
+    ASSERT_TRUE(model.canUndo());
+    EXPECT_EQ(model.journals().lastUndoable()->entries.size(), 2u);
+
+    fs::remove(world.shots());
+    model.undoLast();
+    model.waitUntilIdle();
+    EXPECT_EQ(test::bannerOf(model), "Put 2 screenshots back");
+    EXPECT_TRUE(fs::exists(world.shot("receipt.png")) && fs::exists(world.shot("chat.png")));
+    EXPECT_FALSE(model.canUndo());
+    model.waitForSaves();
+    EXPECT_FALSE(JournalBook::load(model.paths().journalFile()).lastUndoable());
+}
+
 } // namespace
 } // namespace lumivale

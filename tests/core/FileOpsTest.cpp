@@ -1,12 +1,18 @@
 #include "core/FileOps.h"
 
+#include "core/FileMove.h"
 #include "support/FailingWrite.h"
+#include "support/ScratchMount.h"
 #include "support/TempDir.h"
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
+#include <functional>
 #include <gtest/gtest.h>
 #include <set>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace lumivale {
 namespace {
@@ -60,6 +66,78 @@ TEST(FileOpsTest, AnAtomicFileKeepsItsFirstFailure) {
     }
     EXPECT_EQ(readFile(file), before);
     EXPECT_EQ(namesIn(dir.str()), onlyTheFile);
+}
+
+// Runs `work` in a child process that is killed (SIGKILL) by its own write after `budget` bytes.
+void killedWhileWriting(size_t budget, const std::function<void(const WriteCall&)>& work) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        auto written = std::make_shared<size_t>(0);
+        work([=](int fd, const void* data, size_t length) -> ssize_t {
+            if (*written >= budget) raise(SIGKILL);
+            const ssize_t done = systemWrite(fd, data, std::min(length, budget - *written));
+            if (done > 0) *written += static_cast<size_t>(done);
+            return done;
+        });
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
+}
+
+// A process killed part-way through a write leaves the old file whole and nothing else: not a
+// temporary file, not half a new file.
+TEST(FileOpsTest, AWriterKilledPartWayLeavesNothingBehind) {
+    test::ScratchMount other;
+    const struct {
+        const char* name;
+        std::function<void(const std::string& folder, const WriteCall&)> write;
+    } cases[] = {
+        {"atomic write",
+         [](const std::string& folder, const WriteCall& w) {
+             writeAtomically(folder + "/library.plist", after, w);
+         }},
+        {"atomic file in pieces",
+         [](const std::string& folder, const WriteCall& w) {
+             AtomicFile file(folder + "/library.plist", w);
+             file.append(after.substr(0, 2000));
+             file.append(after.substr(2000));
+             file.commit();
+         }},
+        {"new file", [](const std::string& folder,
+                        const WriteCall& w) { writeNew(folder + "/fresh.png", after, w); }},
+        {"move to another file system",
+         [&other](const std::string& folder, const WriteCall& w) {
+             if (other.ok())
+                 moveNoReplace(writeFile(other.file("moving.png"), after), folder + "/moved.png",
+                               w);
+         }},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const TempDir dir;
+        writeFile(dir.file("library.plist"), before);
+        killedWhileWriting(3000, [&](const WriteCall& w) { c.write(dir.str(), w); });
+        EXPECT_EQ(namesIn(dir.str()), onlyTheFile);
+        EXPECT_EQ(readFile(dir.file("library.plist")), before);
+    }
+}
+
+// Leftovers of processes that are gone are removed; those of a running process stay.
+TEST(FileOpsTest, RemovesOnlyTheLeftoversOfProcessesThatAreGone) {
+    const pid_t gone = fork();
+    if (gone == 0) _exit(0);
+    waitpid(gone, nullptr, 0);
+    const TempDir dir;
+    const std::string dead = ".lumivale-" + std::to_string(gone) + "-7";
+    const std::string alive = ".lumivale-" + std::to_string(getpid()) + "-7";
+    for (const std::string& name :
+         {dead, alive, std::string(".lumivale-x-1"), std::string("library.plist")})
+        writeFile(dir.file(name), before);
+    removeLeftovers(dir.str());
+    EXPECT_EQ(namesIn(dir.str()), (std::set<std::string>{alive, ".lumivale-x-1", "library.plist"}));
 }
 
 } // namespace

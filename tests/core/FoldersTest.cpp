@@ -91,6 +91,23 @@ TEST(FoldersTest, ListsTheRightFilesInNameOrder) {
     }
 }
 
+// A name that is not UTF-8 cannot be kept as it is: such a picture or folder is left out and
+// named once, never confused with another; a non-picture of such a name is not even named.
+TEST(FoldersTest, LeavesOutAndNamesWhatIsNotUtf8) {
+    TempDir dir;
+    make(dir.str(), {"caf\xE9.png", "caf\xE8.png", "caf\xC3\xA9.png", "\xFF/inside.png", "\xFE.txt",
+                     "ok/\xC0\xAF.png"});
+    std::vector<std::string> unnamed;
+    std::vector<std::string> paths;
+    for (const FoundFile& f : Folders::list(dir.str(), false, 2, {}, 100, &unnamed))
+        paths.push_back(f.path.substr(dir.str().size() + 1));
+    EXPECT_EQ(paths, std::vector<std::string>{"caf\xC3\xA9.png"});
+    for (std::string& path : unnamed)
+        path = path.substr(dir.str().size() + 1);
+    EXPECT_EQ(unnamed,
+              (std::vector<std::string>{"caf\xE8.png", "caf\xE9.png", "ok/\xC0\xAF.png", "\xFF"}));
+}
+
 TEST(FoldersTest, ReportsPathSizeAndDates) {
     TempDir dir;
     const auto start = lumivale::now() - std::chrono::seconds(1);

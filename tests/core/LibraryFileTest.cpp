@@ -1,3 +1,5 @@
+#include "bench/SyntheticShots.h"
+#include "core/FileOps.h"
 #include "core/Library.h"
 #include "support/ChildRun.h"
 #include "support/HandmadePlist.h"
@@ -5,10 +7,15 @@
 #include "support/TempDir.h"
 
 #include <algorithm>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <iostream>
 #include <map>
 #include <random>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
 
 using namespace lumivale;
 using namespace lumivale::test;
@@ -278,6 +285,55 @@ TEST(LibraryFileTest, LoadsOnlyWholeSoundFilesOfItsVersion) {
     EXPECT_FALSE(Library::load(dir.str())) << "a folder";
     ASSERT_EQ(mkfifo(dir.file("pipe.plist").c_str(), 0600), 0);
     EXPECT_FALSE(Library::load(dir.file("pipe.plist"))) << "a pipe, without waiting for a writer";
+}
+
+// A process killed at any moment of a save leaves the library whole, the old one or the new one,
+// and once the next start has tidied up, nothing but the library in its folder.
+TEST(LibraryFileTest, ASaveKilledAtAnyMomentLeavesTheLibraryWhole) {
+    // Two libraries that differ only in their folder lists: the shots are made once.
+    const Library first = bench::syntheticLibrary(20000);
+    Library second = first;
+    second.extraFolders.push_back("/home/me/Phone");
+    const TempDir dir;
+    const std::string folder = dir.file("data"), file = folder + "/library.plist";
+    ASSERT_TRUE(first.save(file));
+    const std::optional<Library> firstSaved = Library::load(file); // dates to the microsecond
+    const auto started = steady_clock::now();
+    ASSERT_TRUE(second.save(file));
+    const auto saveTime = steady_clock::now() - started;
+    const std::optional<Library> secondSaved = Library::load(file);
+    ASSERT_TRUE(firstSaved && secondSaved);
+    const auto same = [](const Library& a, const Library& b) {
+        return a.size() == b.size() && a.extraFolders == b.extraFolders &&
+               std::all_of(a.all().begin(), a.all().end(), [&](const ShotPtr& shot) {
+                   const Shot* other = b.find(shot->path);
+                   return other && *other == *shot;
+               });
+    };
+    std::mt19937 random(20000);
+    int leftBeforeStart = 0;
+    for (int kill = 0; kill < 30; ++kill) {
+        SCOPED_TRACE(kill);
+        const pid_t saver = fork();
+        ASSERT_GE(saver, 0);
+        if (saver == 0) {
+            for (int i = 0;; ++i)
+                (i % 2 ? first : second).save(file);
+        }
+        // Anywhere in the first save or two, the moments around the rename included.
+        std::this_thread::sleep_for(duration_cast<microseconds>(
+            saveTime * std::uniform_real_distribution<>(0.0, 2.0)(random)));
+        ::kill(saver, SIGKILL);
+        waitpid(saver, nullptr, 0);
+        leftBeforeStart += namesIn(folder).size() > 1;
+        removeLeftovers(folder);
+        EXPECT_EQ(namesIn(folder), std::set<std::string>{"library.plist"});
+        const auto loaded = Library::load(file);
+        ASSERT_TRUE(loaded);
+        EXPECT_TRUE(same(*loaded, *firstSaved) || same(*loaded, *secondSaved));
+    }
+    std::cout << "kills that left a named temporary file for the next start: " << leftBeforeStart
+              << " of 30\n";
 }
 
 } // namespace

@@ -33,7 +33,7 @@ ShotPtr shot(std::string path, Shelf guess = chats, Date date = oct14, bool read
 
 TEST(TidyClean, MakesOneSafeFileName) {
     const std::string a200(200, 'a');
-    std::string accents; // 130 characters, each "e" plus a combining acute accent
+    std::string accents; // 130 characters of 3 bytes, each "e" plus a combining acute accent
     for (int i = 0; i < 130; ++i)
         accents += "e\xCC\x81";
     const struct {
@@ -47,12 +47,50 @@ TEST(TidyClean, MakesOneSafeFileName) {
         {"control and format characters", "Bill\a\t\u200Bdue\r\n", "Billdue"},
         {"200 characters cut to 120", a200, std::string(120, 'a')},
         {"space at the cut trimmed", std::string(119, 'b') + " " + a200, std::string(119, 'b')},
-        {"combining marks count with their letter", accents, accents.substr(0, 120 * 3)},
+        {"combining marks count with their letter",
+         accents.substr(0, 60 * 3) + std::string(70, 'x'),
+         accents.substr(0, 60 * 3) + std::string(60, 'x')},
+        // 120 of them would be 360 bytes: as many as fit a file name with room for a number.
+        {"cut between characters to fit in bytes", accents, accents.substr(0, 81 * 3)},
+        {"a dot behind a space", " .", "Screenshot"},
+        {"two dots behind a space", " ..", "Screenshot"},
+        {"a hidden name behind spaces", "  .hidden name", "hidden name"},
+        {"dots and spaces in turn", ". . .x", "x"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(Tidy::clean(c.in), c.out);
     }
+}
+
+// Whatever the text, the name is one that a file system takes: no "/" and no NUL, not empty,
+// not "." or "..", not hidden, and short enough in bytes to take a collision number.
+TEST(TidyClean, FitsAFileSystemWhateverTheText) {
+    std::string emoji;
+    for (int i = 0; i < 120; ++i)
+        emoji += "\xF0\x9F\x98\x80";
+    for (const std::string& in : {emoji, std::string(" ."), std::string("\n.."),
+                                  std::string(300, '.') + "x", std::string("a\0b", 3)}) {
+        const std::string name = Tidy::clean(in);
+        SCOPED_TRACE(name);
+        EXPECT_FALSE(name.empty() || name.starts_with('.'));
+        EXPECT_EQ(name.find_first_of(std::string("/\0", 2)), std::string::npos);
+        EXPECT_LE(name.size() + std::string(" 10000.jpeg").size(), 255u);
+    }
+}
+
+// A name at the length limit keeps it when numbered: the base gives up its end for the number.
+TEST(TidyUnique, NumbersANameAtTheLengthLimitWithinIt) {
+    const std::string base(251, 'n'), taken = "/arch/" + base + ".png";
+    const auto exists = [&](const std::string& p) { return p == taken; };
+    const std::string numbered = Tidy::unique(taken, "", {}, exists);
+    EXPECT_EQ(numbered, "/arch/" + std::string(249, 'n') + " 2.png");
+    std::string wide; // 62 four-byte characters and "abc": 255 bytes with ".png"
+    for (int i = 0; i < 62; ++i)
+        wide += "\xF0\x9F\x98\x80";
+    const std::string wideTaken = "/arch/" + wide + "abc.png";
+    EXPECT_EQ(Tidy::unique(wideTaken, "", {}, [&](const std::string& p) { return p == wideTaken; }),
+              "/arch/" + wide + "a 2.png");
 }
 
 // Plans the shots into "/arch/" with their own paths (except under /gone/) and `alsoOnDisk`

@@ -10,6 +10,7 @@ name='Screenshot 100% café.png'
 printf 'picture bytes' > "$shots/$name"
 printf 'other bytes' > "$shots/other.png"
 
+"$lumivale" scan > /dev/null # only screenshots in the library go to the Trash
 "$lumivale" trash --yes "$shots/$name" > /dev/null
 [ ! -e "$shots/$name" ]
 trash-list | grep -F "$shots/$name" > /dev/null
@@ -24,6 +25,7 @@ trash-put "$shots/other.png"
 [ ! -e "$shots/other.png" ]
 
 # Undo of Lumivale's own trashing brings the file back from the Trash.
+"$lumivale" scan > /dev/null
 "$lumivale" trash --yes "$shots/$name" > /dev/null
 "$lumivale" undo > "$home/undo.txt"
 grep -q "^Put 1 screenshot back" "$home/undo.txt"

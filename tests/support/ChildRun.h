@@ -25,7 +25,8 @@ struct ChildSetup {
 bool runsInChild(const ChildSetup& setup);
 
 // Permissions do not hold for root: true where the test body may run, as an ordinary user or in
-// a child run again as "nobody"; false in a root parent, after running that child.
+// a child run again as root without the power to read and write every file; false in a root
+// parent, after running that child.
 bool runsUnprivileged();
 
 // Runs a shell command; its standard output, or nothing when it exits with a failure.
