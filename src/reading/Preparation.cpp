@@ -106,6 +106,17 @@ struct Tiles {
     }
 };
 
+// Whether the tile lies inside its region: the tiles around it are mostly its ground. Only
+// there does a tile tell the region's text from its ground; at a region's edge the lighter
+// side may be the next region (the page beside a bold letter's stroke).
+bool inside(const Tiles& tiles, const std::vector<int>& ground, int tx, int ty) {
+    const int own = ground[tiles.index(tx, ty)];
+    for (int y = std::max(0, ty - 1); y <= std::min(tiles.rows - 1, ty + 1); ++y)
+        for (int x = std::max(0, tx - 1); x <= std::min(tiles.columns - 1, tx + 1); ++x)
+            if (std::abs(tiles.median[tiles.index(x, y)] - own) > sameGround) return false;
+    return true;
+}
+
 // Groups tiles into regions of one ground, and says for each region whether its text is
 // lighter than its ground: the majority of its tiles that hold text decides.
 std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& ground) {
@@ -121,9 +132,9 @@ std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& gr
         while (!pending.empty()) {
             const size_t i = pending.back();
             pending.pop_back();
-            if (tiles.high[i] - tiles.low[i] >= textContrast)
-                votes[id] += tiles.high[i] - ground[i] > ground[i] - tiles.low[i] ? 1 : -1;
             const int tx = int(i % size_t(tiles.columns)), ty = int(i / size_t(tiles.columns));
+            if (tiles.high[i] - tiles.low[i] >= textContrast && inside(tiles, ground, tx, ty))
+                votes[id] += tiles.high[i] - ground[i] > ground[i] - tiles.low[i] ? 1 : -1;
             for (const auto& [dx, dy] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
                 const int x = tx + dx, y = ty + dy;
                 if (x < 0 || y < 0 || x >= tiles.columns || y >= tiles.rows) continue;
@@ -172,7 +183,7 @@ double scaleFor(double letterHeight, int width, int height) {
     return std::max(1.0, std::min({goodLetter / letterHeight, largestEnlargement, budget}));
 }
 
-void whitenBackgrounds(GrayImage& image) {
+void darkTextOnWhite(GrayImage& image) {
     if (image.pixels.empty()) return;
     const Tiles tiles(image);
     const std::vector<int> ground = tiles.grounds();
@@ -180,7 +191,8 @@ void whitenBackgrounds(GrayImage& image) {
     std::vector<int> near;
     for (int ty = 0; ty < tiles.rows; ++ty)
         for (int tx = 0; tx < tiles.columns; ++tx) {
-            if (lightText[tiles.index(tx, ty)]) continue;
+            // A region of light text is worked on inverted, which makes its text the dark one.
+            const bool light = lightText[tiles.index(tx, ty)];
             // Where two grounds meet (a card's edge), a tile holds both: each pixel is taken
             // against the darkest ground around that is not darker than itself, so both
             // grounds turn white and no edge is left to read as a bracket.
@@ -189,15 +201,16 @@ void whitenBackgrounds(GrayImage& image) {
                  y <= std::min(tiles.rows - 1, ty + groundReach); ++y)
                 for (int x = std::max(0, tx - groundReach);
                      x <= std::min(tiles.columns - 1, tx + groundReach); ++x)
-                    if (!lightText[tiles.index(x, y)])
-                        near.push_back(std::max(ground[tiles.index(x, y)], 1));
+                    if (const size_t j = tiles.index(x, y); lightText[j] == light)
+                        near.push_back(std::max(light ? 255 - ground[j] : ground[j], 1));
             std::sort(near.begin(), near.end());
-            if (near.front() == 255) continue; // white already
+            if (!light && near.front() == 255) continue; // white already
             for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y)
                 for (int x = tx * tileSize; x < std::min(image.width, (tx + 1) * tileSize); ++x) {
-                    uint8_t& v = image.pixels[size_t(y) * size_t(image.width) + size_t(x)];
+                    uint8_t& pixel = image.pixels[size_t(y) * size_t(image.width) + size_t(x)];
+                    const int v = light ? 255 - pixel : pixel;
                     const auto base = std::lower_bound(near.begin(), near.end(), v - sameGround);
-                    v = uint8_t(
+                    pixel = uint8_t(
                         std::min(255, v * 255 / (base == near.end() ? near.back() : *base)));
                 }
         }
@@ -216,14 +229,14 @@ std::optional<GrayImage> scaled(const GrayImage& image, double factor) {
 
 GrayImage prepare(GrayImage image) {
     if (isDark(image)) invert(image);
-    const double letters = letterHeight(image);
     // A picture without letters to measure (a photograph, a picture with hardly any text) is
-    // read as it is: enlarged and whitened, its texture would become a sea of specks.
-    if (letters == 0) return image;
-    const double factor = scaleFor(letters, image.width, image.height);
+    // read as it is: evened out and enlarged, its texture would become a sea of specks.
+    if (letterHeight(image) == 0) return image;
+    // Measured again once every region's text is dark: the light text of dark panels counts.
+    darkTextOnWhite(image);
+    const double factor = scaleFor(letterHeight(image), image.width, image.height);
     if (factor != 1)
         if (auto resized = scaled(image, factor)) image = std::move(*resized);
-    whitenBackgrounds(image);
     return image;
 }
 
