@@ -138,7 +138,8 @@ bool isZoneLine(std::string_view line, size_t length) {
 // Whether the check digit that follows the field of `length` characters at `start` holds.
 bool fieldHolds(std::string_view line, size_t start, size_t length) {
     const char check = line[start + length];
-    return check >= '0' && check <= '9' && zoneCheckDigit(line.substr(start, length)) == check - '0';
+    return check >= '0' && check <= '9' &&
+           zoneCheckDigit(line.substr(start, length)) == check - '0';
 }
 
 // An identity card's zone starts with its document code: I, A or C (P is a passport, V a visa).

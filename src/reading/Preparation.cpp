@@ -54,10 +54,11 @@ bool looksLikeLetter(const Marks::Box& box, int imageHeight) {
     return h >= 4 && h <= imageHeight / 4 && w <= 2 * h && 5 * w >= h;
 }
 
-// Per tile: the median, lowest and highest grey.
+// Per tile: the median, lowest and highest grey, and the greys a third of the way from either
+// end (text covers less than a third of a tile: beyond these lies only text).
 struct Tiles {
     int columns = 0, rows = 0;
-    std::vector<int> median, low, high;
+    std::vector<int> median, low, high, lowerThird, upperThird;
 
     explicit Tiles(const GrayImage& image)
         : columns((image.width + tileSize - 1) / tileSize),
@@ -66,6 +67,8 @@ struct Tiles {
         median.resize(count);
         low.resize(count);
         high.resize(count);
+        lowerThird.resize(count);
+        upperThird.resize(count);
         std::array<uint8_t, tileSize * tileSize> values;
         for (int ty = 0; ty < rows; ++ty)
             for (int tx = 0; tx < columns; ++tx) {
@@ -76,12 +79,13 @@ struct Tiles {
                     for (int x = tx * tileSize; x < right; ++x)
                         values[n++] = row[x];
                 }
-                const auto [lo, hi] = std::minmax_element(values.begin(), values.begin() + n);
+                std::sort(values.begin(), values.begin() + n);
                 const size_t i = index(tx, ty);
-                low[i] = *lo;
-                high[i] = *hi;
-                std::nth_element(values.begin(), values.begin() + n / 2, values.begin() + n);
+                low[i] = values[0];
+                high[i] = values[n - 1];
                 median[i] = values[n / 2];
+                lowerThird[i] = values[n / 3];
+                upperThird[i] = values[n - 1 - n / 3];
             }
     }
 
@@ -117,6 +121,15 @@ bool inside(const Tiles& tiles, const std::vector<int>& ground, int tx, int ty) 
     return true;
 }
 
+// A tile's vote for the polarity of its region's text: +1 light, -1 dark, 0 none. Text is the
+// side further from the ground, and covers less than a third of the tile; where the far side
+// covers more, it is no text but a neighbouring ground or the inside of a bold stroke.
+int vote(const Tiles& tiles, size_t i, int ground) {
+    if (tiles.high[i] - ground > ground - tiles.low[i])
+        return 2 * tiles.upperThird[i] < ground + tiles.high[i] ? 1 : 0;
+    return 2 * tiles.lowerThird[i] > ground + tiles.low[i] ? -1 : 0;
+}
+
 // Groups tiles into regions of one ground, and says for each region whether its text is
 // lighter than its ground: the majority of its tiles that hold text decides.
 std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& ground) {
@@ -134,7 +147,7 @@ std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& gr
             pending.pop_back();
             const int tx = int(i % size_t(tiles.columns)), ty = int(i / size_t(tiles.columns));
             if (tiles.high[i] - tiles.low[i] >= textContrast && inside(tiles, ground, tx, ty))
-                votes[id] += tiles.high[i] - ground[i] > ground[i] - tiles.low[i] ? 1 : -1;
+                votes[id] += vote(tiles, i, ground[i]);
             for (const auto& [dx, dy] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
                 const int x = tx + dx, y = ty + dy;
                 if (x < 0 || y < 0 || x >= tiles.columns || y >= tiles.rows) continue;

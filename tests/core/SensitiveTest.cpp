@@ -85,8 +85,7 @@ TEST(Sensitive, EachCheckAndRule) {
         // other text). A passport's zone, a visa's, a broken check or a line of the wrong length
         // is none.
         {found<nationalID>,
-         {td1, "Name\n" + spaced(td1) + "\nsigned", td2,
-          "A" + td1.substr(1), "C" + td2.substr(1)},
+         {td1, "Name\n" + spaced(td1) + "\nsigned", td2, "A" + td1.substr(1), "C" + td2.substr(1)},
          {td3, "V" + td1.substr(1), "P" + td2.substr(1),
           // document number's check digit 7 → 8; birth date's 2 → 3
           replaced(td1, 14, "8"), replaced(td1, 37, "3"), replaced(td2, 46, "8"),
