@@ -3,6 +3,7 @@
 #include "reading/Barcodes.h"
 #include "reading/Icons.h"
 #include "reading/Lines.h"
+#include "reading/MachineZone.h"
 #include "reading/Preparation.h"
 #include "reading/ReadingLanguages.h"
 #include "reading/VipsHandles.h"
@@ -199,6 +200,7 @@ Reading read(const std::string& path, const std::vector<std::string>& languages)
         reading.failed = true;
     }
     Lines::sort(reading.lines);
+    MachineZone::repair(reading.lines);
     return reading;
 }
 
