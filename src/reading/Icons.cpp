@@ -17,6 +17,26 @@ constexpr float sureOfTwoLetters = 60;
 constexpr double statusBarDepth = 0.07;
 constexpr double phoneShape = 1.6;
 
+bool hasDigit(std::string_view text) {
+    return std::any_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+// A lone currency sign the engine is unsure of is an icon (a back arrow read as "€") unless it
+// stands beside a number of its line.
+bool isStrayCurrencySign(const std::vector<Lines::Word>& words, size_t i) {
+    const Lines::Word& word = words[i];
+    UChar32 c = 0;
+    int32_t end = 0;
+    U8_NEXT(word.text.data(), end, int32_t(word.text.size()), c);
+    if (word.confidence >= sureConfidence || end != int32_t(word.text.size()) ||
+        u_charType(c) != U_CURRENCY_SYMBOL)
+        return false;
+    const bool numberBefore = !word.startsLine && i > 0 && hasDigit(words[i - 1].text);
+    const bool numberAfter =
+        i + 1 < words.size() && !words[i + 1].startsLine && hasDigit(words[i + 1].text);
+    return !numberBefore && !numberAfter;
+}
+
 bool isCodeBracket(char32_t c) {
     return c == '{' || c == '}' || c == '(' || c == ')' || c == '[' || c == ']' || c == ';';
 }
@@ -57,8 +77,9 @@ std::optional<std::string> statusBarText(std::string_view text, float confidence
 }
 
 void mark(std::vector<Lines::Word>& words, int width, int height) {
-    for (Lines::Word& word : words)
-        word.icon = looksLikeIcon(word.text, word.confidence);
+    for (size_t i = 0; i < words.size(); ++i)
+        words[i].icon =
+            looksLikeIcon(words[i].text, words[i].confidence) || isStrayCurrencySign(words, i);
     if (words.empty() || width <= 0 || height < phoneShape * width) return;
     const auto top = std::min_element(words.begin(), words.end(), [](const auto& a, const auto& b) {
         return a.box.top < b.box.top;

@@ -104,6 +104,14 @@ TEST(IconsTest, IconsLeaveTheLines) {
           word("x", 140, 150, tab, 72), word("-", 700, 712, tab, 87, true),
           word("x", 740, 752, tab, 87)},
          {"Your » bill"}},
+        {"an unsure currency sign is an icon unless a number stands beside it",
+         1366,
+         768,
+         {word("€", 20, 32, tab, 64, true), word("Fund", 48, 84, tab, 92),
+          word("Transfer", 90, 150, tab, 92), word("85", 300, 320, title, 95, true),
+          word("€", 325, 335, title, 50), word("€", 400, 410, bar, 50, true),
+          word("129.90", 415, 470, bar, 93)},
+         {"Fund Transfer", "85 €", "€ 129.90"}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
