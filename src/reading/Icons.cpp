@@ -21,16 +21,19 @@ bool hasDigit(std::string_view text) {
     return std::any_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-// A lone currency sign the engine is unsure of is an icon (a back arrow read as "€") unless it
-// stands beside a number of its line.
-bool isStrayCurrencySign(const std::vector<Lines::Word>& words, size_t i) {
+// A lone sign that stands beside no number of its line is an icon when it is a currency sign the
+// engine is unsure of (a back arrow read as "€") or a cross (a tab's or window's close button);
+// beside a number it is a price's or a size's ("85 €", "3 x 4").
+bool isStraySign(const std::vector<Lines::Word>& words, size_t i) {
     const Lines::Word& word = words[i];
     UChar32 c = 0;
     int32_t end = 0;
     U8_NEXT(word.text.data(), end, int32_t(word.text.size()), c);
-    if (word.confidence >= sureConfidence || end != int32_t(word.text.size()) ||
-        u_charType(c) != U_CURRENCY_SYMBOL)
-        return false;
+    if (end != int32_t(word.text.size())) return false;
+    const bool cross = c == 'x' || c == 'X' || c == U'\u00d7';
+    const bool unsureCurrency =
+        u_charType(c) == U_CURRENCY_SYMBOL && word.confidence < sureConfidence;
+    if (!cross && !unsureCurrency) return false;
     const bool numberBefore = !word.startsLine && i > 0 && hasDigit(words[i - 1].text);
     const bool numberAfter =
         i + 1 < words.size() && !words[i + 1].startsLine && hasDigit(words[i + 1].text);
@@ -78,8 +81,7 @@ std::optional<std::string> statusBarText(std::string_view text, float confidence
 
 void mark(std::vector<Lines::Word>& words, int width, int height) {
     for (size_t i = 0; i < words.size(); ++i)
-        words[i].icon =
-            looksLikeIcon(words[i].text, words[i].confidence) || isStrayCurrencySign(words, i);
+        words[i].icon = looksLikeIcon(words[i].text, words[i].confidence) || isStraySign(words, i);
     if (words.empty() || width <= 0 || height < phoneShape * width) return;
     const auto top = std::min_element(words.begin(), words.end(), [](const auto& a, const auto& b) {
         return a.box.top < b.box.top;

@@ -21,11 +21,11 @@ bool looksLikeIcon(std::string_view text, float confidence);
 // letters or more that the engine is sure of (a carrier); nothing for an icon.
 std::optional<std::string> statusBarText(std::string_view text, float confidence);
 
-// Marks the words that look like icons, and the lone currency signs the engine is unsure of that
-// stand beside no number of their line (a back arrow read as "€"); on a phone's screenshot
-// (upright, at least 1.6 times as tall as wide) the status bar, the first row of words when it lies
-// in the top 7 % of the picture, keeps only its text. `width` × `height` is the size of the
-// recognised picture.
+// Marks the words that look like icons, and the lone signs that stand beside no number of their
+// line: a currency sign the engine is unsure of (a back arrow read as "€") and a cross (a close
+// button). On a phone's screenshot (upright, at least 1.6 times as tall as wide) the status bar,
+// the first row of words when it lies in the top 7 % of the picture, keeps only its text.
+// `width` × `height` is the size of the recognised picture.
 void mark(std::vector<Lines::Word>& words, int width, int height);
 
 } // namespace lumivale::Icons
