@@ -63,14 +63,15 @@ nice python3 "$top/bench/screens.py" search "$manifest" "$lumivale"
 command -v farm-bench >/dev/null || { echo "screens.sh: farm-bench is missing, no speed figures" >&2; exit 0; }
 command -v tesseract >/dev/null || { echo "screens.sh: the tesseract command is missing" >&2; exit 2; }
 echo
-echo "== speed: A = lumivale read (three threads), B = tesseract FILE - on each picture in turn"
+echo "== speed: A = lumivale read (three threads), B = plain tesseract FILE - on each picture in turn"
 mapfile -t files < <(python3 -c 'import json,os,sys; d=os.path.dirname(sys.argv[1]); [print(os.path.join(d, e["file"])) for e in json.load(open(sys.argv[1]))]' "$manifest")
 count="${#files[@]}"
 # The baseline as a script of its own: farm-bench runs each command without a shell.
 {
   echo 'for f in "$@"; do tesseract "$f" - >/dev/null 2>&1 || true; done'
 } > "$work/tesseract.sh"
-baseline="sh $work/tesseract.sh"
+# Plain: as a user runs it, with the engine's own threads (the reader keeps them off).
+baseline="env -u OMP_THREAD_LIMIT sh $work/tesseract.sh"
 for f in "${files[@]}"; do baseline+=" $(printf '%q' "$f")"; done
 farm-bench -n 3 --warmup 0 --timeout 1800 --vs "$baseline" -- "$lumivale" read --json "${files[@]}"
 echo "pictures: $count (divide the cpu medians above by it for core-seconds per picture)"
