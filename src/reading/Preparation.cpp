@@ -34,6 +34,8 @@ constexpr int tileSize = 8;
 constexpr int groundReach = 2;
 // A tile whose grey levels span less than this holds no text.
 constexpr int textContrast = 32;
+// At least one tile in this many of a region of light text is bare ground.
+constexpr size_t flatShare = 4;
 // Neighbouring tiles whose grounds differ by at most this belong to the same region.
 constexpr int sameGround = 16;
 
@@ -135,19 +137,24 @@ int vote(const Tiles& tiles, size_t i, int ground) {
 std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& ground) {
     std::vector<int> region(ground.size(), -1);
     std::vector<int> votes; // > 0: lighter text
+    std::vector<size_t> size, flat;
     std::vector<size_t> pending;
     for (size_t start = 0; start < ground.size(); ++start) {
         if (region[start] >= 0) continue;
         const int id = int(votes.size());
         votes.push_back(0);
+        size.push_back(0);
+        flat.push_back(0);
         region[start] = id;
         pending.push_back(start);
         while (!pending.empty()) {
             const size_t i = pending.back();
             pending.pop_back();
             const int tx = int(i % size_t(tiles.columns)), ty = int(i / size_t(tiles.columns));
-            if (tiles.high[i] - tiles.low[i] >= textContrast && inside(tiles, ground, tx, ty))
-                votes[id] += vote(tiles, i, ground[i]);
+            const bool text = tiles.high[i] - tiles.low[i] >= textContrast;
+            ++size[id];
+            flat[id] += !text;
+            if (text && inside(tiles, ground, tx, ty)) votes[id] += vote(tiles, i, ground[i]);
             for (const auto& [dx, dy] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
                 const int x = tx + dx, y = ty + dy;
                 if (x < 0 || y < 0 || x >= tiles.columns || y >= tiles.rows) continue;
@@ -159,9 +166,13 @@ std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& gr
             }
         }
     }
+    // A panel or button has bare ground around its text; a cluster of bold dark letters, whose
+    // ink can pass for a dark ground, has hardly any.
     std::vector<bool> light(ground.size());
-    for (size_t i = 0; i < ground.size(); ++i)
-        light[i] = votes[region[i]] > 0;
+    for (size_t i = 0; i < ground.size(); ++i) {
+        const int id = region[i];
+        light[i] = votes[id] > 0 && flat[id] * flatShare >= size[id];
+    }
     return light;
 }
 
@@ -214,10 +225,15 @@ void darkTextOnWhite(GrayImage& image) {
                  y <= std::min(tiles.rows - 1, ty + groundReach); ++y)
                 for (int x = std::max(0, tx - groundReach);
                      x <= std::min(tiles.columns - 1, tx + groundReach); ++x)
-                    if (const size_t j = tiles.index(x, y); lightText[j] == light)
-                        near.push_back(std::max(light ? 255 - ground[j] : ground[j], 1));
+                    if (const size_t j = tiles.index(x, y); lightText[j] == light) {
+                        // Among dark text, a ground darker than the middle is no paper but ink:
+                        // an icon, a cluster of bold letters. Taken as ground, it would whiten
+                        // the text around it.
+                        const int paper = light ? 255 - ground[j] : ground[j];
+                        if (light || paper >= 128) near.push_back(std::max(paper, 1));
+                    }
             std::sort(near.begin(), near.end());
-            if (!light && near.front() == 255) continue; // white already
+            if (near.empty() || (!light && near.front() == 255)) continue; // nothing to do
             for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y)
                 for (int x = tx * tileSize; x < std::min(image.width, (tx + 1) * tileSize); ++x) {
                     uint8_t& pixel = image.pixels[size_t(y) * size_t(image.width) + size_t(x)];
