@@ -43,8 +43,11 @@ std::optional<size_t> zoneLength(const std::map<size_t, size_t>& lengths, size_t
 bool looksLikeZoneLine(std::string_view text) {
     const std::string s = withoutSpaces(text);
     if (s.size() < shortestLine || s.find("<<") == std::string::npos) return false;
+    // Fillers are misread as lower case ("c", "e") and signs; capitals and digits are read well.
     const auto fitting = std::count_if(s.begin(), s.end(), isZoneCharacter);
-    return size_t(fitting) * 10 >= s.size() * 9;
+    const auto misread = std::count_if(s.begin(), s.end(),
+                                       [](char c) { return (c >= 'a' && c <= 'z') || c == '#'; });
+    return size_t(fitting) * 10 >= s.size() * 6 && size_t(fitting + misread) * 10 >= s.size() * 9;
 }
 
 std::string repaired(std::string_view text) {

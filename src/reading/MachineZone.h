@@ -11,7 +11,8 @@
 namespace lumivale::MachineZone {
 
 // Whether a recognised line looks like a line of a zone: at least 28 characters once spaces are
-// gone, holding "<<", and made mostly of capitals, digits and fillers.
+// gone, holding "<<", and made mostly of capitals, digits and fillers (six in ten at least), the
+// rest but a few of fillers misread as lower case or "#".
 bool looksLikeZoneLine(std::string_view text);
 
 // A zone line with its fillers put right: spaces removed, "«" and "‹" read as fillers, every

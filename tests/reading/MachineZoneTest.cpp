@@ -20,6 +20,7 @@ TEST(MachineZoneTest, ZoneLinesAreToldFromText) {
         {"I<UTOD231458907<<<<<<<<<<<<<<<", true},
         {"IDALP LK4R7T2V96 <<<<<<<<c<cc<<<", true},
         {"9403176F3403163ALP<<<<<<<<<<<8", true},
+        {"P<INDDORAN<<NELA<<<<<<<<<<<<<<c<ccc#eeeeeeeec<", true},
         {"I<UTOD231458907<<<<<<<", false},                   // too short
         {"I<UTOD231458907ABCDEFGHIJKLMNOP", false},          // no fillers
         {"Please bring this page and your ID << >>", false}, // mostly words
@@ -38,6 +39,8 @@ TEST(MachineZoneTest, FillersArePutRight) {
         // Lower case, guillemets and spaces.
         {"I<UTOD231458907<<<<<<<<c<ccc<<<", "I<UTOD231458907<<<<<<<<<<<<<<<<"},
         {"P<UTO ERIKSSON<<ANNA<MARIA«<<<", "P<UTOERIKSSON<<ANNA<MARIA<<<<<"},
+        {"P<INDDORAN<<NELA<<<<<<<<<<<<<<c<ccc#eeeeeeeec<",
+         "P<INDDORAN<<NELA<<<<<<<<<<<<<<<<<<<<<<<<<<<<<<"},
         // A letter after three fillers is a misread one; names part with one or two.
         {"IDALPLK4R7T2V96<<<<<<<<K<K<K<<", "IDALPLK4R7T2V96<<<<<<<<<<<<<<<"},
         {"ERIKSSON<<ANNA<M<<<<<<<<<<<<<<", "ERIKSSON<<ANNA<M<<<<<<<<<<<<<<"},
