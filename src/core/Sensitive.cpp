@@ -128,6 +128,60 @@ bool contains(std::string_view text, std::string_view word) {
     return text.find(word) != text.npos;
 }
 
+// A line of a machine-readable zone: only capitals, digits and "<" fillers.
+bool isZoneLine(std::string_view line, size_t length) {
+    return line.size() == length && std::all_of(line.begin(), line.end(), [](char c) {
+               return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '<';
+           });
+}
+
+// Whether the check digit that follows the field of `length` characters at `start` holds.
+bool fieldHolds(std::string_view line, size_t start, size_t length) {
+    const char check = line[start + length];
+    return check >= '0' && check <= '9' &&
+           zoneCheckDigit(line.substr(start, length)) == check - '0';
+}
+
+// An identity card's zone starts with its document code: I, A or C (P is a passport, V a visa).
+bool isIdentityCode(std::string_view line) {
+    return line[0] == 'I' || line[0] == 'A' || line[0] == 'C';
+}
+
+// Three lines of 30 (TD1) whose document number and birth date check out.
+bool isCardZone(std::string_view first, std::string_view second, std::string_view third) {
+    return isZoneLine(first, 30) && isZoneLine(second, 30) && isZoneLine(third, 30) &&
+           isIdentityCode(first) && fieldHolds(first, 5, 9) && fieldHolds(second, 0, 6);
+}
+
+// Two lines of 36 (TD2) whose document number and birth date check out.
+bool isTwoLineCardZone(std::string_view first, std::string_view second) {
+    return isZoneLine(first, 36) && isZoneLine(second, 36) && isIdentityCode(first) &&
+           fieldHolds(second, 0, 9) && fieldHolds(second, 13, 6);
+}
+
+// The text's lines with their spaces removed (a reader may split a zone line into words).
+std::vector<std::string> compactLines(std::string_view text) {
+    std::vector<std::string> lines;
+    size_t start = 0;
+    while (start <= text.size()) {
+        const size_t end = std::min(text.find('\n', start), text.size());
+        std::string line(text.substr(start, end - start));
+        std::erase(line, ' ');
+        lines.push_back(std::move(line));
+        start = end + 1;
+    }
+    return lines;
+}
+
+bool hasIdentityCardZone(std::string_view text) {
+    const std::vector<std::string> lines = compactLines(text);
+    for (size_t i = 0; i + 1 < lines.size(); ++i) {
+        if (isTwoLineCardZone(lines[i], lines[i + 1])) return true;
+        if (i + 2 < lines.size() && isCardZone(lines[i], lines[i + 1], lines[i + 2])) return true;
+    }
+    return false;
+}
+
 } // namespace
 
 SensitiveKinds find(std::string_view text) {
@@ -160,10 +214,11 @@ bool hasNationalID(std::string_view text, std::string_view folded) {
     for (const std::string& number : aadhaar().matches(text))
         if (verhoeff(decimalDigits(number)) && (hasSeparator(number) || hint)) return true;
     // The cheap substring test first: the word form is needed only when "ssn" is there at all.
-    if (contains(folded, "social security") ||
-        (contains(folded, "ssn") && hasPhrase(wordText(folded), "ssn")))
-        return ssn().contains(text);
-    return false;
+    if ((contains(folded, "social security") ||
+         (contains(folded, "ssn") && hasPhrase(wordText(folded), "ssn"))) &&
+        ssn().contains(text))
+        return true;
+    return hasIdentityCardZone(text);
 }
 
 bool hasPassport(std::string_view text, std::string_view folded) {
@@ -220,6 +275,17 @@ bool mod97(std::string_view iban) {
             return false;
     }
     return n == 1;
+}
+
+int zoneCheckDigit(std::string_view field) {
+    constexpr int weights[] = {7, 3, 1};
+    int sum = 0;
+    for (size_t i = 0; i < field.size(); ++i) {
+        const char c = field[i];
+        const int value = c >= '0' && c <= '9' ? c - '0' : c >= 'A' && c <= 'Z' ? c - 'A' + 10 : 0;
+        sum += value * weights[i % 3];
+    }
+    return sum % 10;
 }
 
 int verhoeffDigit(std::string_view prefix) {

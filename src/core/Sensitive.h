@@ -15,8 +15,9 @@ SensitiveKinds find(std::string_view text);
 // `folded` is the folded text.
 bool hasCard(std::string_view text, std::string_view folded);
 
-// A Verhoeff-valid Aadhaar number (grouped, or with an Aadhaar word in the text), or a social
-// security number with its name in the text.
+// A Verhoeff-valid Aadhaar number (grouped, or with an Aadhaar word in the text), a social
+// security number with its name in the text, or an identity card's machine-readable zone (three
+// lines of 30 or two of 36, starting with I, A or C) whose document number and birth date check.
 bool hasNationalID(std::string_view text, std::string_view folded);
 
 // A passport's machine-readable zone, or a passport number with the word "passport".
@@ -34,6 +35,10 @@ bool verhoeff(std::string_view digits);
 
 // The ISO 7064 MOD 97-10 check of an IBAN written without spaces (15 to 34 characters).
 bool mod97(std::string_view iban);
+
+// The check digit of a machine-readable zone's field: digits, letters (A = 10) and "<" (0)
+// weighted 7, 3, 1 in turn, summed, modulo 10.
+int zoneCheckDigit(std::string_view field);
 
 // The digit that completes `prefix` into a Verhoeff-valid number; 0 when no digit does.
 int verhoeffDigit(std::string_view prefix);

@@ -13,20 +13,34 @@ constexpr int widestGap = 2;
 } // namespace
 
 std::vector<Piece> pieces(const std::vector<Word>& words) {
-    std::vector<Piece> found;
+    // The words of each piece, found first, then joined without the icons at their ends.
+    std::vector<std::vector<const Word*>> runs;
     for (size_t i = 0; i < words.size(); ++i) {
         const Word& word = words[i];
         const int lineHeight = word.line.bottom - word.line.top;
         if (i == 0 || word.startsLine ||
-            word.box.left - words[i - 1].box.right > widestGap * lineHeight) {
-            found.push_back({word.text, word.box});
-            continue;
+            word.box.left - words[i - 1].box.right > widestGap * lineHeight)
+            runs.emplace_back();
+        runs.back().push_back(&word);
+    }
+    std::vector<Piece> found;
+    for (const auto& run : runs) {
+        auto first = run.begin(), last = run.end();
+        while (first != last && (*first)->icon)
+            ++first;
+        while (last != first && (*(last - 1))->icon)
+            --last;
+        if (first == last) continue;
+        Piece piece{(*first)->text, (*first)->box};
+        for (auto it = first + 1; it != last; ++it) {
+            const Word& word = **it;
+            piece.text += " " + word.text;
+            piece.box = {std::min(piece.box.left, word.box.left),
+                         std::min(piece.box.top, word.box.top),
+                         std::max(piece.box.right, word.box.right),
+                         std::max(piece.box.bottom, word.box.bottom)};
         }
-        Piece& piece = found.back();
-        piece.text += " " + word.text;
-        piece.box = {std::min(piece.box.left, word.box.left), std::min(piece.box.top, word.box.top),
-                     std::max(piece.box.right, word.box.right),
-                     std::max(piece.box.bottom, word.box.bottom)};
+        found.push_back(std::move(piece));
     }
     return found;
 }

@@ -20,6 +20,8 @@ struct Word {
     PixelBox box;
     PixelBox line;
     bool startsLine = false; // the first word of the engine's line
+    float confidence = 100;  // the engine's, 0 to 100
+    bool icon = false;       // likely an icon read as text
 };
 
 // A run of words with the box around them.
@@ -30,7 +32,8 @@ struct Piece {
 
 // The engine's lines rebuilt from their words, each cut where two words stand further apart
 // than twice the line's height: a label and its value at either edge of a screen, or two
-// columns, are separate lines, as separate pieces of text.
+// columns, are separate lines, as separate pieces of text. Words marked as icons are left out
+// at either end of a piece (a favicon, a tab's close button); between words they stay.
 std::vector<Piece> pieces(const std::vector<Word>& words);
 
 // The line kept from one line of recognised text: the text without the spaces, tabs and

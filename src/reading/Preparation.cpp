@@ -34,6 +34,8 @@ constexpr int tileSize = 8;
 constexpr int groundReach = 2;
 // A tile whose grey levels span less than this holds no text.
 constexpr int textContrast = 32;
+// At least one tile in this many of a region of light text is bare ground.
+constexpr size_t flatShare = 4;
 // Neighbouring tiles whose grounds differ by at most this belong to the same region.
 constexpr int sameGround = 16;
 
@@ -54,10 +56,11 @@ bool looksLikeLetter(const Marks::Box& box, int imageHeight) {
     return h >= 4 && h <= imageHeight / 4 && w <= 2 * h && 5 * w >= h;
 }
 
-// Per tile: the median, lowest and highest grey.
+// Per tile: the median, lowest and highest grey, and the greys a third of the way from either
+// end (text covers less than a third of a tile: beyond these lies only text).
 struct Tiles {
     int columns = 0, rows = 0;
-    std::vector<int> median, low, high;
+    std::vector<int> median, low, high, lowerThird, upperThird;
 
     explicit Tiles(const GrayImage& image)
         : columns((image.width + tileSize - 1) / tileSize),
@@ -66,6 +69,8 @@ struct Tiles {
         median.resize(count);
         low.resize(count);
         high.resize(count);
+        lowerThird.resize(count);
+        upperThird.resize(count);
         std::array<uint8_t, tileSize * tileSize> values;
         for (int ty = 0; ty < rows; ++ty)
             for (int tx = 0; tx < columns; ++tx) {
@@ -76,12 +81,13 @@ struct Tiles {
                     for (int x = tx * tileSize; x < right; ++x)
                         values[n++] = row[x];
                 }
-                const auto [lo, hi] = std::minmax_element(values.begin(), values.begin() + n);
+                std::sort(values.begin(), values.begin() + n);
                 const size_t i = index(tx, ty);
-                low[i] = *lo;
-                high[i] = *hi;
-                std::nth_element(values.begin(), values.begin() + n / 2, values.begin() + n);
+                low[i] = values[0];
+                high[i] = values[n - 1];
                 median[i] = values[n / 2];
+                lowerThird[i] = values[n / 3];
+                upperThird[i] = values[n - 1 - n / 3];
             }
     }
 
@@ -106,24 +112,49 @@ struct Tiles {
     }
 };
 
+// Whether the tile lies inside its region: the tiles around it are mostly its ground. Only
+// there does a tile tell the region's text from its ground; at a region's edge the lighter
+// side may be the next region (the page beside a bold letter's stroke).
+bool inside(const Tiles& tiles, const std::vector<int>& ground, int tx, int ty) {
+    const int own = ground[tiles.index(tx, ty)];
+    for (int y = std::max(0, ty - 1); y <= std::min(tiles.rows - 1, ty + 1); ++y)
+        for (int x = std::max(0, tx - 1); x <= std::min(tiles.columns - 1, tx + 1); ++x)
+            if (std::abs(tiles.median[tiles.index(x, y)] - own) > sameGround) return false;
+    return true;
+}
+
+// A tile's vote for the polarity of its region's text: +1 light, -1 dark, 0 none. Text is the
+// side further from the ground, and covers less than a third of the tile; where the far side
+// covers more, it is no text but a neighbouring ground or the inside of a bold stroke.
+int vote(const Tiles& tiles, size_t i, int ground) {
+    if (tiles.high[i] - ground > ground - tiles.low[i])
+        return 2 * tiles.upperThird[i] < ground + tiles.high[i] ? 1 : 0;
+    return 2 * tiles.lowerThird[i] > ground + tiles.low[i] ? -1 : 0;
+}
+
 // Groups tiles into regions of one ground, and says for each region whether its text is
 // lighter than its ground: the majority of its tiles that hold text decides.
 std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& ground) {
     std::vector<int> region(ground.size(), -1);
     std::vector<int> votes; // > 0: lighter text
+    std::vector<size_t> size, flat;
     std::vector<size_t> pending;
     for (size_t start = 0; start < ground.size(); ++start) {
         if (region[start] >= 0) continue;
         const int id = int(votes.size());
         votes.push_back(0);
+        size.push_back(0);
+        flat.push_back(0);
         region[start] = id;
         pending.push_back(start);
         while (!pending.empty()) {
             const size_t i = pending.back();
             pending.pop_back();
-            if (tiles.high[i] - tiles.low[i] >= textContrast)
-                votes[id] += tiles.high[i] - ground[i] > ground[i] - tiles.low[i] ? 1 : -1;
             const int tx = int(i % size_t(tiles.columns)), ty = int(i / size_t(tiles.columns));
+            const bool text = tiles.high[i] - tiles.low[i] >= textContrast;
+            ++size[id];
+            flat[id] += !text;
+            if (text && inside(tiles, ground, tx, ty)) votes[id] += vote(tiles, i, ground[i]);
             for (const auto& [dx, dy] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
                 const int x = tx + dx, y = ty + dy;
                 if (x < 0 || y < 0 || x >= tiles.columns || y >= tiles.rows) continue;
@@ -135,9 +166,13 @@ std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& gr
             }
         }
     }
+    // A panel or button has bare ground around its text; a cluster of bold dark letters, whose
+    // ink can pass for a dark ground, has hardly any.
     std::vector<bool> light(ground.size());
-    for (size_t i = 0; i < ground.size(); ++i)
-        light[i] = votes[region[i]] > 0;
+    for (size_t i = 0; i < ground.size(); ++i) {
+        const int id = region[i];
+        light[i] = votes[id] > 0 && flat[id] * flatShare >= size[id];
+    }
     return light;
 }
 
@@ -172,7 +207,7 @@ double scaleFor(double letterHeight, int width, int height) {
     return std::max(1.0, std::min({goodLetter / letterHeight, largestEnlargement, budget}));
 }
 
-void whitenBackgrounds(GrayImage& image) {
+void darkTextOnWhite(GrayImage& image) {
     if (image.pixels.empty()) return;
     const Tiles tiles(image);
     const std::vector<int> ground = tiles.grounds();
@@ -180,7 +215,8 @@ void whitenBackgrounds(GrayImage& image) {
     std::vector<int> near;
     for (int ty = 0; ty < tiles.rows; ++ty)
         for (int tx = 0; tx < tiles.columns; ++tx) {
-            if (lightText[tiles.index(tx, ty)]) continue;
+            // A region of light text is worked on inverted, which makes its text the dark one.
+            const bool light = lightText[tiles.index(tx, ty)];
             // Where two grounds meet (a card's edge), a tile holds both: each pixel is taken
             // against the darkest ground around that is not darker than itself, so both
             // grounds turn white and no edge is left to read as a bracket.
@@ -189,15 +225,21 @@ void whitenBackgrounds(GrayImage& image) {
                  y <= std::min(tiles.rows - 1, ty + groundReach); ++y)
                 for (int x = std::max(0, tx - groundReach);
                      x <= std::min(tiles.columns - 1, tx + groundReach); ++x)
-                    if (!lightText[tiles.index(x, y)])
-                        near.push_back(std::max(ground[tiles.index(x, y)], 1));
+                    if (const size_t j = tiles.index(x, y); lightText[j] == light) {
+                        // Among dark text, a ground darker than the middle is no paper but ink:
+                        // an icon, a cluster of bold letters. Taken as ground, it would whiten
+                        // the text around it.
+                        const int paper = light ? 255 - ground[j] : ground[j];
+                        if (light || paper >= 128) near.push_back(std::max(paper, 1));
+                    }
             std::sort(near.begin(), near.end());
-            if (near.front() == 255) continue; // white already
+            if (near.empty() || (!light && near.front() == 255)) continue; // nothing to do
             for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y)
                 for (int x = tx * tileSize; x < std::min(image.width, (tx + 1) * tileSize); ++x) {
-                    uint8_t& v = image.pixels[size_t(y) * size_t(image.width) + size_t(x)];
+                    uint8_t& pixel = image.pixels[size_t(y) * size_t(image.width) + size_t(x)];
+                    const int v = light ? 255 - pixel : pixel;
                     const auto base = std::lower_bound(near.begin(), near.end(), v - sameGround);
-                    v = uint8_t(
+                    pixel = uint8_t(
                         std::min(255, v * 255 / (base == near.end() ? near.back() : *base)));
                 }
         }
@@ -216,14 +258,14 @@ std::optional<GrayImage> scaled(const GrayImage& image, double factor) {
 
 GrayImage prepare(GrayImage image) {
     if (isDark(image)) invert(image);
-    const double letters = letterHeight(image);
     // A picture without letters to measure (a photograph, a picture with hardly any text) is
-    // read as it is: enlarged and whitened, its texture would become a sea of specks.
-    if (letters == 0) return image;
-    const double factor = scaleFor(letters, image.width, image.height);
+    // read as it is: evened out and enlarged, its texture would become a sea of specks.
+    if (letterHeight(image) == 0) return image;
+    // Measured again once every region's text is dark: the light text of dark panels counts.
+    darkTextOnWhite(image);
+    const double factor = scaleFor(letterHeight(image), image.width, image.height);
     if (factor != 1)
         if (auto resized = scaled(image, factor)) image = std::move(*resized);
-    whitenBackgrounds(image);
     return image;
 }
 

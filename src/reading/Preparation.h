@@ -27,16 +27,15 @@ double letterHeight(const GrayImage& image);
 // are fine or unknown.
 double scaleFor(double letterHeight, int width, int height);
 
-// Makes the ground of every region whose text is darker than it white, so tinted panels,
-// cards and bubbles read like paper. Regions whose text is lighter than their ground are left
-// as they are; the recogniser checks inverted lines itself.
-void whitenBackgrounds(GrayImage& image);
+// Makes the ground of every region white and its text dark, so tinted panels, cards, bubbles,
+// coloured buttons and dark panels all read like print on paper.
+void darkTextOnWhite(GrayImage& image);
 
 // The picture scaled by `factor`; nothing when it cannot be scaled.
 std::optional<GrayImage> scaled(const GrayImage& image, double factor);
 
-// The picture made ready for recognition: dark text on light ground, letters of a good size,
-// tinted grounds whitened; a picture without measurable letters is only made light.
+// The picture made ready for recognition: dark text on white ground everywhere, letters of a
+// good size; a picture without measurable letters is only made light.
 GrayImage prepare(GrayImage image);
 
 } // namespace Preparation

@@ -12,6 +12,37 @@ template <SensitiveKind kind> bool found(std::string_view text) {
     return Sensitive::find(text).contains(kind);
 }
 
+// Specimen zones: an identity card of three lines (TD1), of two (TD2), and a passport (TD3).
+const std::string td1 = "I<UTOD231458907<<<<<<<<<<<<<<<\n"
+                        "7408122F1204159UTO<<<<<<<<<<<6\n"
+                        "ERIKSSON<<ANNA<MARIA<<<<<<<<<<";
+const std::string td2 = "I<UTOERIKSSON<<ANNA<MARIA<<<<<<<<<<<\n"
+                        "D231458907UTO7408122F1204159<<<<<<<6";
+const std::string td3 = "P<UTOERIKSSON<<ANNA<MARIA<<<<<<<<<<<<<<<<<<<\n"
+                        "L898902C36UTO7408122F1204159ZE184226B<<<<<10";
+
+std::string replaced(std::string s, size_t at, std::string_view by) {
+    return s.replace(at, 1, by);
+}
+
+// The text with a space after every fifth character, as a reader may split a long line.
+std::string spaced(const std::string& s) {
+    std::string out;
+    for (size_t i = 0; i < s.size(); ++i)
+        out += s.substr(i, 1) + (i % 5 == 4 && s[i] != '\n' ? " " : "");
+    return out;
+}
+
+TEST(Sensitive, ZoneCheckDigits) {
+    const struct {
+        std::string field;
+        int digit;
+    } cases[] = {{"D23145890", 7}, {"740812", 2}, {"120415", 9}, {"L898902C3", 6},
+                 {"<<<<<<", 0},    {"", 0},       {"Z", 5}};
+    for (const auto& c : cases)
+        EXPECT_EQ(Sensitive::zoneCheckDigit(c.field), c.digit) << c.field;
+}
+
 TEST(Sensitive, EachCheckAndRule) {
     using enum SensitiveKind;
     const struct {
@@ -49,6 +80,18 @@ TEST(Sensitive, EachCheckAndRule) {
           "uidai.gov.in 987654321096", "आधार 987654321096"},
          {"234567890124", "2345 6789 0125", "Aadhaar 2345 6789 0125", "12345 6789 0124",
           "0345 6789 0128", "1234 5678 9010"}},
+        // Identity cards' machine-readable zones: three lines of 30 or two of 36, coded I, A or C,
+        // whose document-number and birth-date check digits hold (also read with spaces, below
+        // other text). A passport's zone, a visa's, a broken check or a line of the wrong length
+        // is none.
+        {found<nationalID>,
+         {td1, "Name\n" + spaced(td1) + "\nsigned", td2, "A" + td1.substr(1), "C" + td2.substr(1)},
+         {td3, "V" + td1.substr(1), "P" + td2.substr(1),
+          // document number's check digit 7 → 8; birth date's 2 → 3
+          replaced(td1, 14, "8"), replaced(td1, 37, "3"), replaced(td2, 46, "8"),
+          replaced(td2, 56, "3"),
+          // a filler lost, or the zone's last line missing
+          replaced(td1, 20, ""), td1.substr(0, 61), td2.substr(0, 36)}},
         // Social security numbers need their name, and a number that could be issued.
         {found<nationalID>,
          {"SSN: 123-45-6789", "Social Security Number 123-45-6789", "ssn 123-45-6789"},
@@ -65,6 +108,9 @@ TEST(Sensitive, EachCheckAndRule) {
           "Z1234567<4IND9108145F3108139<<<<<<<<<<<<<<02", "Passport No: Z1234567",
           "PASSPORT\nZ1234567"},
          {"PAINDDORANNELAXXXXXXXXXXXXXXXXXXXXX", "Z1234567", "Passport No: Z12345678", ""}},
+        // A passport's zone stays a passport; a three-line card zone is not one (a two-line one
+        // has the shape of a passport's second line, and stays flagged as it was).
+        {found<passport>, {td3, td2}, {td1}},
         // Tax IDs: a PAN of a holder type, standing as a word of its own (a GSTIN carries one).
         {found<taxID>,
          {"PAN ABCPE1234F"},
