@@ -167,7 +167,9 @@ void MainWindow::buildMenus(QAction* tidy) {
         {Place::of(Place::Kind::locked), "goLocked"},
     };
     int key = 0;
-    for (const auto& [place, name] : places) {
+    for (const auto& entry : places) {
+        const Place place = entry.first; // named, as clang 14 cannot capture a structured binding
+        const char* name = entry.second;
         QAction* a = action(this, name, QString::fromStdString(place.title({})), QKeySequence(Qt::CTRL | (Qt::Key_1 + key++)));
         connect(a, &QAction::triggered, this, [this, place] { model_.setPlace(place); });
         go->addAction(a);
