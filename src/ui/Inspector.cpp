@@ -29,14 +29,7 @@
 namespace lumivale {
 namespace {
 
-constexpr int pictureWidth = 300;
-
 QString qs(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
-
-QString when(Date date) {
-    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(date.time_since_epoch()).count();
-    return QLocale().toString(QDateTime::fromMSecsSinceEpoch(ms), QLocale::LongFormat);
-}
 
 QLabel* heading(const QString& text, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -51,44 +44,12 @@ void clear(QFormLayout* form) {
         form->removeRow(0);
 }
 
-QLabel* value(const QString& text) {
-    auto* label = new QLabel(text);
-    label->setWordWrap(true);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    return label;
-}
-
 } // namespace
 
 Inspector::Inspector(AppModel& model, ThumbnailProvider& thumbnails, ShotActions& actions, QWidget* parent)
-    : QScrollArea(parent), model_(model), thumbnails_(thumbnails) {
-    setObjectName("inspector");
-    setAccessibleName(tr("Inspector"));
-    setWidgetResizable(true);
-    setFrameShape(QFrame::NoFrame);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setMinimumWidth(pictureWidth + 40);
-
-    page_ = new QWidget(this);
-    auto* pageLayout = new QVBoxLayout(page_);
-    nothing_ = new QLabel(tr("Choose a screenshot to see what Lumivale read in it."), page_);
-    nothing_->setWordWrap(true);
-    nothing_->setAlignment(Qt::AlignCenter);
-    nothing_->setEnabled(false);
-    pageLayout->addWidget(nothing_);
-
-    details_ = new QWidget(page_);
-    auto* layout = new QVBoxLayout(details_);
-    layout->setContentsMargins(4, 4, 4, 4);
-    layout->setSpacing(8);
-    pageLayout->addWidget(details_);
-    pageLayout->addStretch();
-
-    picture_ = new QLabel(details_);
-    picture_->setAlignment(Qt::AlignCenter);
-    picture_->setMinimumHeight(120);
-    picture_->setAccessibleName(tr("Picture"));
-    layout->addWidget(picture_);
+    : InspectorPane("inspector", tr("Inspector"), tr("Choose a screenshot to see what Lumivale read in it."), parent),
+      model_(model), thumbnails_(thumbnails) {
+    QVBoxLayout* layout = detailsLayout_;
     reveal_ = new QPushButton(Icons::symbol("eye"), tr("Show for 30 seconds"), details_);
     reveal_->setObjectName("revealButton");
     connect(reveal_, &QPushButton::clicked, this, [this] {
@@ -168,7 +129,6 @@ Inspector::Inspector(AppModel& model, ThumbnailProvider& thumbnails, ShotActions
     text_->setOpenLinks(false);
     layout->addWidget(text_);
 
-    setWidget(page_);
     for (auto signal : {&AppModel::selectionChanged, &AppModel::libraryChanged, &AppModel::revealedChanged,
                         &AppModel::settingsChanged, &AppModel::queryChanged})
         connect(&model_, signal, this, &Inspector::refresh);

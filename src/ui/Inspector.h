@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QScrollArea>
+#include "ui/InspectorPane.h"
 
 class QComboBox;
 class QFormLayout;
@@ -20,7 +20,7 @@ struct Shot;
 // Everything about the selected shot: the picture (blurred while hidden, with a button to show it
 // for 30 seconds), title, shelf picker, the sorter's confidence, facts with copy buttons, private
 // numbers, file details, barcodes and the recognised text with the query's hits marked.
-class Inspector : public QScrollArea {
+class Inspector : public InspectorPane {
     Q_OBJECT
 
 public:
@@ -29,10 +29,6 @@ public:
 private:
     AppModel& model_;
     ThumbnailProvider& thumbnails_;
-    QWidget* page_;
-    QLabel* nothing_;
-    QWidget* details_;
-    QLabel* picture_;
     QPushButton* reveal_;
     QLabel* title_;
     QComboBox* shelf_;

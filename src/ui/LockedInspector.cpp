@@ -17,53 +17,16 @@
 namespace lumivale {
 namespace {
 
-constexpr int pictureWidth = 300;
-
 QString qs(std::string_view s) {
     return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size()));
-}
-
-QString when(Date date) {
-    const auto ms =
-        std::chrono::duration_cast<std::chrono::milliseconds>(date.time_since_epoch()).count();
-    return QLocale().toString(QDateTime::fromMSecsSinceEpoch(ms), QLocale::LongFormat);
-}
-
-QLabel* value(const QString& text) {
-    auto* label = new QLabel(text);
-    label->setWordWrap(true);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    return label;
 }
 
 } // namespace
 
 LockedInspector::LockedInspector(AppModel& model, QWidget* parent)
-    : QScrollArea(parent), model_(model) {
-    setObjectName("lockedInspector");
-    setAccessibleName(tr("Locked screenshot"));
-    setWidgetResizable(true);
-    setFrameShape(QFrame::NoFrame);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setMinimumWidth(pictureWidth + 40);
-
-    auto* page = new QWidget(this);
-    auto* pageLayout = new QVBoxLayout(page);
-    nothing_ = new QLabel(tr("Choose a locked screenshot to see it."), page);
-    nothing_->setWordWrap(true);
-    nothing_->setAlignment(Qt::AlignCenter);
-    nothing_->setEnabled(false);
-    pageLayout->addWidget(nothing_);
-
-    details_ = new QWidget(page);
-    auto* layout = new QVBoxLayout(details_);
-    layout->setContentsMargins(4, 4, 4, 4);
-    layout->setSpacing(8);
-    picture_ = new QLabel(details_);
-    picture_->setAlignment(Qt::AlignCenter);
-    picture_->setMinimumHeight(120);
-    picture_->setAccessibleName(tr("Picture"));
-    layout->addWidget(picture_);
+    : InspectorPane("lockedInspector", tr("Locked screenshot"), tr("Choose a locked screenshot to see it."), parent),
+      model_(model) {
+    QVBoxLayout* layout = detailsLayout_;
     facts_ = new QFormLayout;
     layout->addLayout(facts_);
 
@@ -102,9 +65,6 @@ LockedInspector::LockedInspector(AppModel& model, QWidget* parent)
         if (const auto item = selected()) model_.discard(*item);
     });
     layout->addWidget(discard_, 0, Qt::AlignLeft);
-    pageLayout->addWidget(details_);
-    pageLayout->addStretch();
-    setWidget(page);
 
     connect(&model_, &AppModel::vaultChanged, this, &LockedInspector::refresh);
     refresh();

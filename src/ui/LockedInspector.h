@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QScrollArea>
+#include "ui/InspectorPane.h"
+
 #include <optional>
 
 class QFormLayout;
@@ -14,7 +15,7 @@ struct LockedShot;
 
 // The selected item of the open locked area: its decrypted picture, where it came from and when
 // it was locked, and the actions that restore it (to its own folder or another) or discard it.
-class LockedInspector : public QScrollArea {
+class LockedInspector : public InspectorPane {
     Q_OBJECT
 
   public:
@@ -22,9 +23,6 @@ class LockedInspector : public QScrollArea {
 
   private:
     AppModel& model_;
-    QLabel* nothing_;
-    QWidget* details_;
-    QLabel* picture_;
     QFormLayout* facts_;
     QPushButton* restoreHome_;
     QPushButton* restoreElsewhere_;

@@ -28,7 +28,7 @@ struct Window {
           window(model, thumbnails, settings) {
         window.resize(1440, 900);
         window.show();
-        QTest::qWaitForWindowExposed(&window);
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&window));
     }
 
     QListView* grid() const { return window.grid()->view(); }
