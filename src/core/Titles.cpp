@@ -43,7 +43,8 @@ size_t lineBreakAt(std::string_view s, size_t i) {
     return 0;
 }
 
-// Fit for a file name: no "/" or ":", and the line's pieces joined by single spaces.
+// Fit for a file name: no "/" or ":", and the line's pieces joined by single spaces, trimmed
+// again since a ":" at either end becomes a space.
 std::string cleaned(std::string_view line) {
     std::string out, piece;
     auto endPiece = [&] {
@@ -62,7 +63,7 @@ std::string cleaned(std::string_view line) {
         }
     }
     endPiece();
-    return out;
+    return std::string(trimmed(out));
 }
 
 } // namespace

@@ -41,6 +41,9 @@ TEST(Titles, FirstLineThatReadsLikeATitleCutToWholeCharacters) {
         {"cleaned for a file name",
          {"Brew & Café 12/03/2024 10:30"},
          "Brew & Café 12-03-2024 10 30"},
+        // Colons become spaces, which must not leave a title of nothing but "…".
+        {"colons at the ends", {":::::::::: Order: 12 ::"}, "Order  12"},
+        {"colons longer than the title", {std::string(49, ':') + " Masala tea"}, "Masala tea", 40},
         {"breaks become spaces", {"Trip to\n\nGoa\r\nDay 2"}, "Trip to Goa Day 2"},
         {"only the first twelve lines", clockLinesThen(12, "Order Details"), std::nullopt},
         {"the twelfth line still counts", clockLinesThen(11, "Order Details"), "Order Details"},
