@@ -27,6 +27,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace lumivale {
@@ -92,6 +93,9 @@ public:
     // folders are scanned without the welcome.
     bool isDemo() const { return isDemo_; }
     void markDemo() { isDemo_ = true; }
+    // Asks with `confirm` from now on (a command run for another process asks at its terminal);
+    // gives back the one it replaces.
+    Confirm replaceConfirm(Confirm confirm) { return std::exchange(services_.confirm, std::move(confirm)); }
     // Whether a query's matches are shown newest first instead of best first.
     bool newestFirst() const { return newestFirst_; }
     Date now() const { return services_.clock(); }
@@ -207,6 +211,10 @@ public:
     // Puts back what a journal did.
     void undo(const Journal& journal);
     void undoLast();
+    // Shows a picture the desktop asked to open: selected in All screenshots when it is in the
+    // library, or after the scan that adds it when it lies in a folder that is read; otherwise a
+    // banner says it is not one Lumivale keeps.
+    void showPicture(const std::string& path);
     bool canUndo() const;
 
 signals:
@@ -231,6 +239,7 @@ signals:
     void saved(bool ok);
 
 private:
+    void sayNotKept(const std::string& path);
     struct ScanResult {
         Source source;
         bool readable = false;
@@ -270,6 +279,7 @@ private:
     bool loaded_ = false;
     bool loading_ = false;
     bool rescanAgain_ = false;
+    std::optional<std::string> showAfterScan_; // a picture to show once the scan under way is in
     std::optional<std::vector<std::string>> languages_;
     std::set<std::string> leftAlone_;
     std::shared_ptr<Timer> saveAlarm_; // set while saves fail

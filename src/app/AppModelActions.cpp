@@ -85,6 +85,26 @@ void AppModel::showBanner(Banner banner) {
     });
 }
 
+void AppModel::showPicture(const std::string& path) {
+    if (library_.find(path)) {
+        setQuery("");
+        setPlace(Place::of(Place::Kind::all));
+        setSelection(path);
+        return;
+    }
+    const bool inReadFolder = std::ranges::any_of(sources_, [&](const Source& source) {
+        return source.enabled && path.starts_with(source.path + "/");
+    });
+    if (!inReadFolder) return sayNotKept(path);
+    showAfterScan_ = path;
+    rescan();
+}
+
+void AppModel::sayNotKept(const std::string& path) {
+    const std::string name = QString::fromStdString(path).section('/', -1).toStdString();
+    flash("\u201c" + name + "\u201d isn't one of the screenshots Lumivale keeps. Add its folder in Settings to keep it here.", true);
+}
+
 void AppModel::addFolder(const std::string& path) {
     const std::string clean = QDir::cleanPath(QString::fromStdString(path)).toStdString();
     if (clean != paths_.screenshotFolder && !contains(library_.extraFolders, clean))

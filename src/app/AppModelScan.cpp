@@ -112,6 +112,10 @@ void AppModel::merge(const std::vector<ScanResult>& results) {
     emit libraryChanged();
     save();
     noteLeftAlone(results);
+    if (showAfterScan_) {
+        const std::string path = *std::exchange(showAfterScan_, std::nullopt);
+        library_.find(path) ? showPicture(path) : sayNotKept(path);
+    }
 }
 
 void AppModel::noteLeftAlone(const std::vector<ScanResult>& results) {

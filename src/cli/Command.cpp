@@ -25,6 +25,12 @@ Registration::Registration(Command command) {
 
 const std::vector<Command>& commands() { return registry(); }
 
+const Command* commandNamed(const std::string& name) {
+    for (const Command& command : registry())
+        if (name == command.name) return &command;
+    return nullptr;
+}
+
 bool takeFlag(std::vector<std::string>& args, const std::string& flag) {
     const auto it = std::find(args.begin(), args.end(), flag);
     if (it == args.end())

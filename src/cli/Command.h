@@ -12,12 +12,21 @@ namespace lumivale::cli {
 // Exit statuses shared by every command.
 enum Exit { done = 0, failed = 1, usage = 2 };
 
+// What a command does with the user's library. While the window is open, its process runs the
+// commands that read or change the library, so they see and change what the window shows; else
+// a command that changes it holds the data folder's lock while it runs.
+enum class Access { none, reads, changes };
+
 struct Command {
     const char* name;
     const char* usage;   // "read [--json] [--lang TAG]... FILE..."
     const char* summary; // one line for --help
     int (*run)(std::vector<std::string> args);
+    Access access = Access::none;
 };
+
+// The registered command of that name, or null.
+const Command* commandNamed(const std::string& name);
 
 // Every registered command, sorted by name.
 const std::vector<Command>& commands();

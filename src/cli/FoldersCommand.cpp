@@ -86,7 +86,7 @@ int folders(std::vector<std::string> args) {
 }
 
 LUMIVALE_COMMAND("folders", "folders [--json] [add|remove|on|off|archive PATH]",
-                 "lists or changes the folders that are read; archive sets where tidies file", folders);
+                 "lists or changes the folders that are read; archive sets where tidies file", folders, Access::changes);
 
 } // namespace
 } // namespace lumivale::cli

@@ -6,7 +6,6 @@
 #include "core/SearchQuery.h"
 
 #include <iostream>
-#include <unistd.h>
 
 namespace lumivale::cli {
 namespace {
@@ -53,15 +52,15 @@ int search(std::vector<std::string> args) {
     const std::vector<ShotPtr> found = session.model().visible();
     print(found, json);
     // A script reads no lines as no match; a person is told.
-    if (found.empty() && !json && isatty(STDOUT_FILENO))
+    if (found.empty() && !json && stdoutIsTerminal())
         std::cout << "No screenshot matches \u201c" << printable(query) << "\u201d.\n";
     return Exit::done;
 }
 
 LUMIVALE_COMMAND("list", "list [--json] [--place PLACE]",
                  "lists the screenshots of a place: overview, all, recent, private, locked, a shelf or a folder",
-                 list);
-LUMIVALE_COMMAND("search", "search [--json] QUERY", "finds screenshots by the words in them, best first", search);
+                 list, Access::reads);
+LUMIVALE_COMMAND("search", "search [--json] QUERY", "finds screenshots by the words in them, best first", search, Access::reads);
 
 } // namespace
 } // namespace lumivale::cli

@@ -77,7 +77,7 @@ int scan(std::vector<std::string> args) {
     return Exit::done;
 }
 
-LUMIVALE_COMMAND("scan", "scan [--json]", "finds new screenshots, reads them and prints the counts", scan);
+LUMIVALE_COMMAND("scan", "scan [--json]", "finds new screenshots, reads them and prints the counts", scan, Access::changes);
 
 } // namespace
 } // namespace lumivale::cli

@@ -12,21 +12,31 @@ namespace lumivale::cli {
 
 namespace {
 
-AppModel::Services servicesFor(bool yes) {
-    AppModel::Services services;
-    if (yes)
-        services.confirm = [](const std::string&, const std::string&, const std::string&) { return true; };
-    else
-        services.confirm = confirmOnTerminal;
-    return services;
+const Host* host = nullptr;
+
+AppModel::Confirm confirmFor(bool yes) {
+    if (yes) return [](const std::string&, const std::string&, const std::string&) { return true; };
+    return confirmOnTerminal;
 }
 
 } // namespace
 
-Session::Session(bool yes)
-    : settings_(QSettings::IniFormat, QSettings::UserScope, "Lumivale", "Lumivale"),
-      model_(std::make_unique<AppModel>(Paths::live(settings_), settings_, servicesFor(yes))) {
+const Host* currentHost() { return host; }
+void setCurrentHost(const Host* h) { host = h; }
+
+Session::Session(bool yes) : settings_(QSettings::IniFormat, QSettings::UserScope, "Lumivale", "Lumivale") {
+    if (host) {
+        model_ = host->model;
+        hostsConfirm_ = model_->replaceConfirm(confirmFor(yes));
+        return;
+    }
+    own_ = std::make_unique<AppModel>(Paths::live(settings_), settings_, AppModel::Services{.confirm = confirmFor(yes)});
+    model_ = own_.get();
     model_->load();
+}
+
+Session::~Session() {
+    if (!own_) model_->replaceConfirm(std::move(hostsConfirm_));
 }
 
 bool confirmOnTerminal(const std::string& message, const std::string& detail, const std::string& button) {
@@ -34,6 +44,7 @@ bool confirmOnTerminal(const std::string& message, const std::string& detail, co
         std::cerr << "lumivale: " << message << " Not confirmed: run with --yes to go ahead without asking.\n";
         return false;
     }
+    if (host) return host->ask(message, detail, button);
     std::cerr << message << "\n" << detail << "\n" << button << "? [y/N] " << std::flush;
     std::string answer;
     std::getline(std::cin, answer);
@@ -69,8 +80,10 @@ bool allInLibrary(const AppModel& model, const std::vector<std::string>& paths) 
     return true;
 }
 
-bool stderrIsTerminal() { return isatty(STDERR_FILENO) == 1; }
-bool stdinIsTerminal() { return isatty(STDIN_FILENO) == 1; }
+// Progress bars are drawn only for this process's own terminal.
+bool stderrIsTerminal() { return !host && isatty(STDERR_FILENO) == 1; }
+bool stdinIsTerminal() { return host ? host->stdinTerminal : isatty(STDIN_FILENO) == 1; }
+bool stdoutIsTerminal() { return host ? host->stdoutTerminal : isatty(STDOUT_FILENO) == 1; }
 
 
 } // namespace lumivale::cli

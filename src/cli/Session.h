@@ -11,16 +11,30 @@
 
 namespace lumivale::cli {
 
+// A command run by this process for another `lumivale`: the model it works on (the window's), and
+// that process's terminal, which questions reach through `ask`.
+struct Host {
+    AppModel* model = nullptr;
+    bool stdinTerminal = false;
+    bool stdoutTerminal = false;
+    AppModel::Confirm ask;
+};
+// The host of the command running now, if it runs for another process; set while it runs.
+const Host* currentHost();
+void setCurrentHost(const Host* host);
+
 class Session {
 public:
     // `yes` answers every confirmation with yes; otherwise questions are asked on the terminal.
     explicit Session(bool yes = false);
+    ~Session();
     AppModel& model() { return *model_; }
-    QSettings& settings() { return settings_; }
 
 private:
     QSettings settings_;
-    std::unique_ptr<AppModel> model_;
+    std::unique_ptr<AppModel> own_;
+    AppModel* model_;
+    AppModel::Confirm hostsConfirm_; // the host model's own, given back at the end
 };
 
 // Asks on the terminal; refuses (saying how to go ahead) when standard input is not one.
@@ -40,5 +54,7 @@ bool allInLibrary(const AppModel& model, const std::vector<std::string>& paths);
 bool stderrIsTerminal();
 // Whether standard input is a terminal (questions are asked only there).
 bool stdinIsTerminal();
+// Whether standard output is a terminal (a search that finds nothing says so only there).
+bool stdoutIsTerminal();
 
 } // namespace lumivale::cli

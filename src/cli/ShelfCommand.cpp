@@ -33,7 +33,7 @@ int shelf(std::vector<std::string> args) {
     return Exit::done;
 }
 
-LUMIVALE_COMMAND("shelf", "shelf PATH SHELF", "puts a screenshot on a shelf by hand (auto: back to the sorter's choice)", shelf);
+LUMIVALE_COMMAND("shelf", "shelf PATH SHELF", "puts a screenshot on a shelf by hand (auto: back to the sorter's choice)", shelf, Access::changes);
 
 } // namespace
 } // namespace lumivale::cli

@@ -179,11 +179,11 @@ int undo(std::vector<std::string> args) {
 }
 
 LUMIVALE_COMMAND("tidy", "tidy [--layout shelf|month] [--rename] [--scope loose|everything] [--include-private] [--dry-run] [--yes]",
-                 "files screenshots into one folder per shelf in the archive", tidy);
+                 "files screenshots into one folder per shelf in the archive", tidy, Access::changes);
 LUMIVALE_COMMAND("clear", "clear --days 30|90|182|365 [--scope loose|everything] [--include-private] [--dry-run] [--yes]",
-                 "puts read screenshots older than the given days in the Trash", clear);
-LUMIVALE_COMMAND("trash", "trash PATH... [--yes]", "puts screenshots in the Trash (undo brings them back)", trash);
-LUMIVALE_COMMAND("undo", "undo [--list]", "undoes the last tidy or trashing; --list shows the journal book", undo);
+                 "puts read screenshots older than the given days in the Trash", clear, Access::changes);
+LUMIVALE_COMMAND("trash", "trash PATH... [--yes]", "puts screenshots in the Trash (undo brings them back)", trash, Access::changes);
+LUMIVALE_COMMAND("undo", "undo [--list]", "undoes the last tidy or trashing; --list shows the journal book", undo, Access::changes);
 
 } // namespace
 } // namespace lumivale::cli

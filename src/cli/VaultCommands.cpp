@@ -110,10 +110,10 @@ int discard(std::vector<std::string> args) {
     return Exit::done;
 }
 
-LUMIVALE_COMMAND("lock", "lock PATH... [--yes]", "locks screenshots away, encrypted; the originals go to the Trash", lock);
-LUMIVALE_COMMAND("locked", "locked [--json]", "lists the locked screenshots", locked);
-LUMIVALE_COMMAND("restore", "restore ID [--to DIR]", "writes a locked screenshot back as an ordinary file", restore);
-LUMIVALE_COMMAND("discard", "discard ID [--yes]", "moves a locked screenshot's encrypted file to the Trash", discard);
+LUMIVALE_COMMAND("lock", "lock PATH... [--yes]", "locks screenshots away, encrypted; the originals go to the Trash", lock, Access::changes);
+LUMIVALE_COMMAND("locked", "locked [--json]", "lists the locked screenshots", locked, Access::reads);
+LUMIVALE_COMMAND("restore", "restore ID [--to DIR]", "writes a locked screenshot back as an ordinary file", restore, Access::changes);
+LUMIVALE_COMMAND("discard", "discard ID [--yes]", "moves a locked screenshot's encrypted file to the Trash", discard, Access::changes);
 
 } // namespace
 } // namespace lumivale::cli

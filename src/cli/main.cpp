@@ -1,10 +1,13 @@
 // The `lumivale` program: with a subcommand it works headless; --help lists the subcommands.
 
 #include "cli/Command.h"
+#include "cli/LibraryOwner.h"
 #include "reading/Reader.h"
 #include "ui/WindowApp.h"
 
+#include <QFileInfo>
 #include <QGuiApplication>
+#include <QUrl>
 
 #include <cstdlib>
 #include <cstring>
@@ -39,6 +42,26 @@ void chooseHeadlessPlatform() {
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
 }
 
+// The pictures named by every argument (paths or file URIs), or none when any is something else.
+QStringList picturesToOpen(const std::vector<std::string>& args) {
+    QStringList paths;
+    for (const std::string& arg : args) {
+        const QString given = QString::fromStdString(arg);
+        const QUrl url(given);
+        const QFileInfo file(url.isLocalFile() ? url.toLocalFile() : given);
+        if (!file.isFile() || lumivale::cli::commandNamed(arg)) return {};
+        paths << file.absoluteFilePath();
+    }
+    return paths;
+}
+
+lumivale::ApplicationBus::CommandResult runForAnotherProcess(lumivale::AppModel& model,
+                                                              const lumivale::ApplicationBus::Command& command) {
+    const lumivale::cli::Host host{&model, command.stdinTerminal, command.stdoutTerminal, command.ask};
+    const auto run = lumivale::cli::runHosted(command.args, command.cwd, host);
+    return {run.status, run.out, run.err};
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -55,10 +78,18 @@ int main(int argc, char** argv) {
     if (!data.empty())
         setenv("LUMIVALE_DATA_DIR", data.back().c_str(), 1);
 
-    // No command: the window, when there is a display to show it on or pictures of it to render.
+    // No command: the window, when there is a display to show it on or pictures of it to render;
+    // with pictures, the window showing them ("Open With"); started by the session bus, the
+    // window's process without the window until something asks for it.
     const bool display = std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY");
-    if (args.empty() && (display || std::getenv("LUMIVALE_SNAPSHOT_DIR")))
-        return lumivale::WindowApp::run(argc, argv);
+    lumivale::WindowApp::Start start{picturesToOpen(args), false, runForAnotherProcess};
+    if (!args.empty() && args[0] == "--gapplication-service") {
+        start.service = true;
+        chooseHeadlessPlatform();
+        return lumivale::WindowApp::run(argc, argv, start);
+    }
+    if ((args.empty() || !start.open.isEmpty()) && (display || std::getenv("LUMIVALE_SNAPSHOT_DIR")))
+        return lumivale::WindowApp::run(argc, argv, start);
     if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
         printHelp();
         return lumivale::cli::Exit::done;
@@ -72,16 +103,22 @@ int main(int argc, char** argv) {
     if (args[0] == "selfcheck" && !lumivale::cli::giveUpFileOverrides())
         std::cerr << "lumivale: the self-check keeps root's power over every file, so a check of "
                      "permissions may fail\n";
-    for (const auto& command : lumivale::cli::commands()) {
-        if (args[0] != command.name)
-            continue;
+    if (const lumivale::cli::Command* command = lumivale::cli::commandNamed(args[0])) {
         chooseHeadlessPlatform();
         qInstallMessageHandler(quietQtNotes);
         QGuiApplication app(argc, argv);
         QGuiApplication::setOrganizationName("Lumivale");
         QGuiApplication::setApplicationName("Lumivale");
+        std::optional<lumivale::DataFolderLock> lock;
+        if (command->access != lumivale::cli::Access::none) {
+            const std::string dataDir = lumivale::cli::dataFolder();
+            if (const auto status = lumivale::cli::runInWindow(args, dataDir))
+                return *status;
+            if (command->access == lumivale::cli::Access::changes && !(lock = lumivale::cli::lockForChanges(dataDir)))
+                return lumivale::cli::Exit::failed;
+        }
         args.erase(args.begin());
-        return command.run(std::move(args));
+        return command->run(std::move(args));
     }
     const bool option = args[0].size() > 1 && args[0][0] == '-';
     return lumivale::cli::usageError("unknown " + std::string(option ? "option" : "command") + " '" + args[0] +

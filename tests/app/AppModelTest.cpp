@@ -202,3 +202,46 @@ TEST(AppModelTest, bannersKeepTheirFullTimeAndRevealsEndAfterThirtySeconds) {
 
 } // namespace
 } // namespace lumivale
+
+namespace lumivale {
+namespace {
+
+TEST(AppModelTest, aPictureOpenedFromTheDesktopIsShownSelectedOrSaidToBeNoneOfOurs) {
+    const struct {
+        const char* name;
+        std::string (*where)(const test::World&);
+        bool kept;
+    } cases[] = {
+        {"in the library", [](const test::World& w) { return w.shot("kept.png"); }, true},
+        {"new in a folder that is read: after the scan that adds it",
+         [](const test::World& w) { return w.shot("new.png"); }, true},
+        {"elsewhere", [](const test::World& w) { return w.tmp.file("Downloads/cat.png"); }, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        test::World world;
+        AppModel& model = world.open({"kept.png"});
+        test::drawPicture(world.shot("new.png"), {"Fresh"});
+        test::drawPicture(world.tmp.file("Downloads/cat.png"), {"Cat"});
+        model.setPlace(Place::ofShelf(Shelf::code));
+        model.setQuery("nothing");
+        const std::string path = c.where(world);
+        model.showPicture(path);
+        model.waitUntilIdle();
+        if (c.kept) {
+            EXPECT_EQ(model.selection(), path);
+            EXPECT_EQ(model.place(), Place::of(Place::Kind::all));
+            EXPECT_EQ(model.query(), "");
+            EXPECT_FALSE(model.banner());
+        } else {
+            EXPECT_EQ(model.selection(), std::nullopt);
+            EXPECT_EQ(model.library().find(path), nullptr);
+            ASSERT_TRUE(model.banner());
+            EXPECT_TRUE(model.banner()->isError);
+            EXPECT_NE(model.banner()->text.find("cat.png"), std::string::npos);
+        }
+    }
+}
+
+} // namespace
+} // namespace lumivale
