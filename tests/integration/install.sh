@@ -3,7 +3,8 @@
 # and checks what a desktop finds there: the desktop entry and the AppStream metadata pass their
 # validators without an error or a warning, every icon is there at its size, the D-Bus service
 # starts the installed program, and the installed program, moved away from where it was
-# installed and with no path of the build in it, passes the self-check.
+# installed and with no path of the build in it, passes the self-check and opens a window of the
+# class the desktop entry names.
 set -euo pipefail
 lumivale="$1"
 . "$(dirname "$0")/../support/temp-home.sh"
@@ -76,3 +77,16 @@ mkdir -p -m 700 "$home/run"
 XDG_RUNTIME_DIR="$home/run" "$home/moved/bin/lumivale" selfcheck "$home/check" > "$home/check.log" 2>&1 ||
   { cat "$home/check.log"; fail "the self-check of the installed program failed"; }
 tail -n 1 "$home/check/selftest.txt" | grep -qx "ALL PASS" || fail "the self-check did not pass"
+
+# Its window carries the class that the desktop entry names, so that a dock shows the window
+# under the entry's icon.
+wmclass="$(sed -n 's/^StartupWMClass=//p' "$home/moved/share/applications/$id.desktop")"
+mkdir -p "$XDG_CONFIG_HOME/Lumivale"
+printf '[General]\nwelcomeDone=true\n' > "$XDG_CONFIG_HOME/Lumivale/Lumivale.ini"
+classes="$(QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR="$home/run" xvfb-run -a bash -c '
+  "$1" > /dev/null 2>&1 &
+  app=$!
+  window="$(timeout 60 xdotool search --sync --limit 1 --name "^Lumivale\$")"
+  xprop -id "$window" WM_CLASS
+  kill "$app"' _ "$home/moved/bin/lumivale")"
+grep -qF "\"$wmclass\"" <<< "$classes" || fail "the window's class is '$classes', not $wmclass"
