@@ -33,6 +33,7 @@ struct RunnerImage {
     QByteArray data;
 };
 
+// The types above as D-Bus structures, in the order of their fields.
 QDBusArgument& operator<<(QDBusArgument& out, const RunnerMatch& match);
 const QDBusArgument& operator>>(const QDBusArgument& in, RunnerMatch& match);
 QDBusArgument& operator<<(QDBusArgument& out, const RunnerAction& action);

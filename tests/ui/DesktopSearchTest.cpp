@@ -296,13 +296,24 @@ TEST(DesktopSearch, activatingOpensTheShotAndLaunchingOpensTheSearch) {
     EXPECT_EQ(desktop.krunner("Actions", {}), "(@a(sss) [],)\n");
 }
 
-TEST(DesktopSearch, registeringTwiceSaysWhy) {
+TEST(DesktopSearch, aFailedRegistrationSaysWhyAndLeavesTheFirstAnswering) {
     Desktop desktop;
-    const Status again = DesktopSearch::registerOn(*desktop.bus.connection, *desktop.model, {});
-    EXPECT_FALSE(again);
-    EXPECT_EQ(again.message(),
-              "The object path /app/orvane/lumivale/SearchProvider is taken on the bus.");
-    // The first registration still answers.
+    QDBusConnection nowhere = QDBusConnection::connectToBus(
+        QString("unix:path=") + desktop.tmp.file("no-bus").c_str(), "nowhere");
+    const struct {
+        QDBusConnection* connection;
+        std::string reason;
+    } cases[] = {
+        {desktop.bus.connection.get(),
+         "The object path /app/orvane/lumivale/SearchProvider is taken on the bus."},
+        {&nowhere, "Not connected to the session bus: "},
+    };
+    for (const auto& c : cases) {
+        const Status registered = DesktopSearch::registerOn(*c.connection, *desktop.model, {});
+        EXPECT_FALSE(registered);
+        EXPECT_TRUE(registered.message().starts_with(c.reason)) << registered.message();
+    }
+    QDBusConnection::disconnectFromBus("nowhere");
     EXPECT_EQ(desktop.gnomeFinds({"asha"}), std::vector<std::string>{desktop.chat});
 }
 
