@@ -37,7 +37,8 @@ struct PrivateBus {
     std::unique_ptr<QDBusConnection> connection;
 };
 
-// A model with four screenshots drawn and read, on a bus that answers for the application.
+// A model with four screenshots drawn and read and one waiting to be read, on a bus that answers
+// for the application.
 struct Desktop : test::World {
     Desktop() {
         bill = put("bill.png", Shelf::bills, {}, 1, {"Electricity bill", "Total due 1,250.00"});
