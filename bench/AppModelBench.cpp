@@ -4,52 +4,28 @@
 //
 //   AppModelBench [--shots N]
 
-#include "SyntheticShots.h"
+#include "SyntheticModel.h"
+#include "Timing.h"
 #include "app/AppModel.h"
 
 #include <QGuiApplication>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <vector>
 
 using namespace lumivale;
 
-namespace {
-
-double millisecondsOf(const std::function<void()>& step) {
-    const auto start = std::chrono::steady_clock::now();
-    step();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-} // namespace
+using bench::median;
+using bench::millisecondsOf;
 
 int main(int argc, char** argv) {
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     QGuiApplication app(argc, argv);
-    int count = 100000;
-    for (int i = 1; i + 1 < argc; ++i)
-        if (std::strcmp(argv[i], "--shots") == 0)
-            count = std::atoi(argv[i + 1]);
-
-    QTemporaryDir dir;
-    const std::string root = dir.path().toStdString();
-    const Paths paths = Paths::at(root + "/data", root + "/Screenshots", root + "/Archive");
-    if (!bench::syntheticLibrary(count).save(paths.libraryFile())) {
-        std::fprintf(stderr, "could not write the library\n");
-        return 1;
-    }
-    QSettings settings(QString::fromStdString(root + "/settings.ini"), QSettings::IniFormat);
-    AppModel model(paths, settings);
+    bench::SyntheticModel synthetic(bench::shotsArgument(argc, argv, 100000));
+    const int count = synthetic.count;
+    AppModel& model = synthetic.model;
     const double load = millisecondsOf([&] { model.load(); });
 
     std::vector<double> holds, background;

@@ -8,12 +8,12 @@
 // first; the grid's M requests (default 10,000) go to distinct paths, hard links to a few
 // smaller pictures, so that each is made anew.
 
+#include "ScreenshotDrawing.h"
 #include "app/ThumbnailCache.h"
 #include "app/ThumbnailProvider.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
-#include <QPainter>
 #include <QTemporaryDir>
 #include <cstdio>
 #include <cstring>
@@ -26,27 +26,6 @@
 using namespace lumivale;
 
 namespace {
-
-// A screenshot-like picture: a sidebar, a title bar and lines of text, in colours of its own.
-void drawScreenshot(const std::string& path, QSize size, int seed) {
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(QColor::fromHsv(seed * 37 % 360, 20, 250));
-    QPainter painter(&image);
-    painter.fillRect(0, 0, size.width() / 5, size.height(),
-                     QColor::fromHsv(seed * 53 % 360, 60, 60));
-    painter.fillRect(0, 0, size.width(), size.height() / 20, QColor(40, 40, 40));
-    QFont font("Liberation Sans");
-    font.setPixelSize(std::max(10, size.height() / 45));
-    painter.setFont(font);
-    for (int y = size.height() / 10, line = 0; y < size.height(); y += font.pixelSize() * 2, ++line)
-        painter.drawText(size.width() / 4, y,
-                         QString("Line %1 of picture %2: the total due is %3.00 EUR")
-                             .arg(line)
-                             .arg(seed)
-                             .arg(seed * 7 + line));
-    painter.end();
-    image.save(QString::fromStdString(path));
-}
 
 // Shots of the files as they are now, unread: their thumbnails stay in memory.
 Shot shotOf(const std::string& path) {
@@ -106,8 +85,8 @@ int main(int argc, char** argv) {
     for (int i = 0; i < count; ++i) {
         pngs.push_back(root + "/shot" + std::to_string(i) + ".png");
         jpegs.push_back(root + "/photo" + std::to_string(i) + ".jpg");
-        drawScreenshot(pngs.back(), {1920, 1080}, i);
-        drawScreenshot(jpegs.back(), {1920, 1080}, i + count);
+        bench::drawScreenshot(pngs.back(), {1920, 1080}, i);
+        bench::drawScreenshot(jpegs.back(), {1920, 1080}, i + count);
     }
     std::printf("pictures: %d PNG and %d JPEG, 1920 x 1080\n", count, count);
     measureOneThread("PNG from the picture, 1 thread", pngs);
@@ -136,7 +115,7 @@ int main(int argc, char** argv) {
     std::vector<std::string> small;
     for (int i = 0; i < 20; ++i) {
         small.push_back(root + "/small" + std::to_string(i) + ".png");
-        drawScreenshot(small.back(), {800, 500}, i);
+        bench::drawScreenshot(small.back(), {800, 500}, i);
     }
     std::vector<Shot> shots;
     std::filesystem::create_directories(root + "/many");

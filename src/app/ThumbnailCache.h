@@ -3,6 +3,7 @@
 // it: one PNG per picture and size, named after the MD5 of the picture's URI, carrying the URI
 // and the picture's modification time, so they reuse ours and we reuse theirs.
 
+#include "core/Shot.h"
 #include "core/Status.h"
 
 #include <QImage>
@@ -24,6 +25,10 @@ struct Stamp {
 };
 // The picture's modification time and size; none when nothing can be read at that path.
 std::optional<Stamp> stampOf(const std::string& picture);
+
+// Whether a shot's thumbnail may go to the shared cache: only once reading has shown that it
+// is not private.
+inline bool mayShare(const Shot& shot) { return shot.isRead() && !shot.isSensitive(); }
 
 // The URI that names a picture: "file://" and its percent-encoded absolute path.
 std::string uriOf(const std::string& picture);

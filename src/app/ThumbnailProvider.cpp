@@ -37,8 +37,7 @@ ThumbnailProvider::~ThumbnailProvider() {
 }
 
 QImage ThumbnailProvider::thumbnail(const Shot& shot, bool blurred) {
-    // A shot is shared only once reading has shown it is not private.
-    const Request wanted{shot.size, shot.modified, shot.isRead() && !shot.isSensitive(),
+    const Request wanted{shot.size, shot.modified, ThumbnailCache::mayShare(shot),
                          blurred || shot.isSensitive()};
     const auto found = entries_.find(shot.path);
     if (found == entries_.end()) {

@@ -4,6 +4,7 @@
 #include "app/ThumbnailProvider.h"
 #include "ui/Brand.h"
 #include "ui/Icons.h"
+#include "ui/ShotLabels.h"
 #include "ui/ShotListModel.h"
 
 #include <QApplication>
@@ -17,8 +18,6 @@ namespace {
 constexpr int cellWidth = 196;
 constexpr int pictureHeight = 138;
 constexpr int pad = 8;
-
-QString qs(std::string_view s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
 
 } // namespace
 
@@ -73,9 +72,8 @@ void ShotDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     painter->setFont(option.font);
     text.translate(0, metrics.height());
     painter->setPen(palette.color(QPalette::PlaceholderText));
-    const QString shelf = shot->isRead() ? (shot->failed ? QObject::tr("Couldn't be read") : qs(shelfTitle(shot->category())))
-                                         : QObject::tr("Waiting to be read");
-    painter->drawText(text, Qt::AlignLeft | Qt::AlignVCenter, metrics.elidedText(shelf, Qt::ElideRight, text.width()));
+    painter->drawText(text, Qt::AlignLeft | Qt::AlignVCenter,
+                      metrics.elidedText(shelfLineOf(*shot), Qt::ElideRight, text.width()));
     if (!model_.query().empty()) {
         text.translate(0, metrics.height());
         painter->setPen(palette.color(QPalette::Text));

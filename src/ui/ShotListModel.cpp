@@ -1,6 +1,6 @@
 #include "ui/ShotListModel.h"
 
-#include "core/Titles.h"
+#include "ui/ShotLabels.h"
 
 #include <string_view>
 #include <unordered_map>
@@ -61,10 +61,8 @@ QVariant ShotListModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole:
     case Qt::AccessibleTextRole: {
         QString& title = titles_[index.row()];
-        if (title.isNull()) {
-            const auto made = Titles::of(*s, 60);
-            title = QString::fromStdString(made ? *made : std::string(s->name()));
-        }
+        if (title.isNull())
+            title = titleOf(*s);
         return title;
     }
     case ShotRole: return QVariant::fromValue(static_cast<const void*>(s));
