@@ -7,6 +7,7 @@
 #include "platform/DataFolderLock.h"
 #include "ui/Brand.h"
 #include "ui/Confirm.h"
+#include "ui/DesktopSearch.h"
 #include "ui/Icons.h"
 #include "ui/MainWindow.h"
 #include "ui/PasswordDialog.h"
@@ -15,9 +16,8 @@
 #include <QApplication>
 #include <QDir>
 #include <QMessageBox>
-#include <QTimer>
 #include <QSettings>
-
+#include <QTimer>
 #include <cstdlib>
 #include <iostream>
 
@@ -61,17 +61,20 @@ int runWindow(const Start& start) {
     const std::string demoDir = env("LUMIVALE_DEMO_DIR");
     QSettings userSettings(QSettings::IniFormat, QSettings::UserScope, "Lumivale", "Lumivale");
     // A demonstration keeps its settings apart from the user's and saves nothing of its own.
-    QSettings demoSettings(QSettings::IniFormat, QSettings::UserScope, "Lumivale", "app.orvane.lumivale.demo");
+    QSettings demoSettings(QSettings::IniFormat, QSettings::UserScope, "Lumivale",
+                           "app.orvane.lumivale.demo");
     std::unique_ptr<AppModel> model;
     if (demoDir.empty()) {
-        model = std::make_unique<AppModel>(Paths::live(userSettings), userSettings, windowServices({}));
+        model =
+            std::make_unique<AppModel>(Paths::live(userSettings), userSettings, windowServices({}));
     } else {
         if (Status drawn = Demo::draw(demoDir, now()); !drawn) {
-            std::cerr << "lumivale: the demonstration screenshots couldn't be drawn into " << demoDir << ": "
-                      << drawn.message() << "\n";
+            std::cerr << "lumivale: the demonstration screenshots couldn't be drawn into "
+                      << demoDir << ": " << drawn.message() << "\n";
             return 1;
         }
-        model = std::make_unique<AppModel>(Demo::paths(demoDir), demoSettings, windowServices(Demo::services(demoDir)));
+        model = std::make_unique<AppModel>(Demo::paths(demoDir), demoSettings,
+                                           windowServices(Demo::services(demoDir)));
         model->markDemo();
     }
     ThumbnailProvider thumbnails;
@@ -81,8 +84,10 @@ int runWindow(const Start& start) {
     bool started = false;
     std::vector<std::function<void()>> afterLoad;
     auto whenLoaded = [&](std::function<void()> then) {
-        if (started && !model->loading()) then();
-        else afterLoad.push_back(std::move(then));
+        if (started && !model->loading())
+            then();
+        else
+            afterLoad.push_back(std::move(then));
     };
     QObject::connect(model.get(), &AppModel::loadingChanged, model.get(), [&] {
         if (model->loading()) return;
@@ -102,7 +107,8 @@ int runWindow(const Start& start) {
         present(*window, platformData);
         showPictures(paths);
     };
-    handlers.action = [&](const QString& action, const QVariantList& parameters, const QVariantMap& platformData) {
+    handlers.action = [&](const QString& action, const QVariantList& parameters,
+                          const QVariantMap& platformData) {
         const QString parameter = parameters.isEmpty() ? QString() : parameters.front().toString();
         present(*window, platformData);
         if (action == "show") showPictures({parameter});
@@ -111,7 +117,8 @@ int runWindow(const Start& start) {
     };
     handlers.run = [&](const ApplicationBus::Command& command) {
         while (!started || model->loading())
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 100);
+            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents,
+                                            100);
         return start.runCommand(*model, command);
     };
     ApplicationBus bus(model->paths().data, std::move(handlers));
@@ -119,9 +126,27 @@ int runWindow(const Start& start) {
     // One window, and one writer, for a library: a second start brings the first window forward.
     DataFolderLock lock;
     if (!model->isDemo()) {
+        // The desktop's search answers from this model once the name is ours.
+        QDBusConnection session = QDBusConnection::sessionBus();
+        if (session.isConnected()) {
+            DesktopSearch::Callbacks search;
+            search.show = [&](const std::string& path) {
+                present(*window, {});
+                model->showPicture(path);
+            };
+            search.search = [&](const std::string& query) {
+                present(*window, {});
+                model->setQuery(query);
+            };
+            if (Status registered = DesktopSearch::registerOn(session, *model, std::move(search));
+                !registered)
+                std::cerr << "lumivale: the desktop's search can't reach Lumivale: "
+                          << registered.message() << "\n";
+        }
         if (bus.claim() == ApplicationBus::Claim::elsewhere)
             return ApplicationBus::activateOwner(QDBusConnection::sessionBus(), start.open) ? 0 : 1;
-        if (lock.take(model->paths().data, DataFolderLock::Role::window) == DataFolderLock::Outcome::held) {
+        if (lock.take(model->paths().data, DataFolderLock::Role::window) ==
+            DataFolderLock::Outcome::held) {
             const auto holder = DataFolderLock::holder(model->paths().data);
             if (holder && holder->role == DataFolderLock::Role::window)
                 return refuseSecondWindow(model->paths().data, *holder);
@@ -134,11 +159,16 @@ int runWindow(const Start& start) {
     QTimer lockWait;
     auto startModel = [&] {
         if (!model->isDemo() && !lock.isTaken() &&
-            lock.take(model->paths().data, DataFolderLock::Role::window) == DataFolderLock::Outcome::held)
+            lock.take(model->paths().data, DataFolderLock::Role::window) ==
+                DataFolderLock::Outcome::held)
             return;
         lockWait.stop();
         started = true;
-        model->startInBackground();
+        if (!start.service) return model->startInBackground();
+        // Started for a search, with no window to paint: the library is read before any answer.
+        model->start();
+        for (auto& then : std::exchange(afterLoad, {}))
+            then();
     };
     QObject::connect(&lockWait, &QTimer::timeout, startModel);
     lockWait.start(200);
@@ -156,13 +186,15 @@ int runWindow(const Start& start) {
 } // namespace
 
 AppModel::Services windowServices(AppModel::Services services) {
-    services.confirm = [](const std::string& message, const std::string& detail, const std::string& button) {
+    services.confirm = [](const std::string& message, const std::string& detail,
+                          const std::string& button) {
         return confirmInDialog(QApplication::activeWindow(), message, detail, button);
     };
     // The desktop's own authentication dialog through polkit, else our password dialog; never
     // the terminal, which a window's user may not even have.
-    services.authenticate = [auth = std::shared_ptr<Authenticator>(systemAuthenticator(passwordDialogPrompt()))](
-                                const std::string& reason) { return auth->authenticate(reason); };
+    services.authenticate =
+        [auth = std::shared_ptr<Authenticator>(systemAuthenticator(passwordDialogPrompt()))](
+            const std::string& reason) { return auth->authenticate(reason); };
     return services;
 }
 
@@ -182,7 +214,8 @@ int run(int argc, char** argv, const Start& start) {
     QApplication::setWindowIcon(Icons::app());
     Brand::apply(app);
     if (!snapshots.empty())
-        return Snapshots::render(snapshots, env("LUMIVALE_SNAPSHOT_ONLY"), env("LUMIVALE_DEMO_DIR"));
+        return Snapshots::render(snapshots, env("LUMIVALE_SNAPSHOT_ONLY"),
+                                 env("LUMIVALE_DEMO_DIR"));
     return runWindow(start);
 }
 

@@ -71,6 +71,17 @@ for path in "$build" "$source"; do
   ! grep -rlF "$path" "$share" "$prefix/etc" || fail "installed files hold the path $path"
 done
 
+# Started by the session bus for a search, as GNOME Shell starts it: the service file starts the
+# installed program, which answers from the library.
+"$prefix/bin/lumivale" fixtures "$home/Pictures/Screenshots" > /dev/null
+"$prefix/bin/lumivale" scan > /dev/null
+found="$(XDG_DATA_DIRS="$share:/usr/share" dbus-run-session -- bash -c '
+  gdbus call --session --timeout 60 --dest app.orvane.lumivale --object-path /app/orvane/lumivale/SearchProvider \
+    --method org.gnome.Shell.SearchProvider2.GetInitialResultSet "[\"invoice\"]"
+  pkill -f -x "$1 --gapplication-service"' _ "$prefix/bin/lumivale" 2> "$home/activation.log")" ||
+  { cat "$home/activation.log"; fail "the search provider could not be started by the bus"; }
+grep -q "Pictures/Screenshots/.*\.png" <<< "$found" || fail "a search started by the bus found nothing: $found"
+
 # The installed program works from wherever its prefix is moved to.
 mv "$prefix" "$home/moved"
 mkdir -p -m 700 "$home/run"
