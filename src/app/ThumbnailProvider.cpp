@@ -81,7 +81,16 @@ void ThumbnailProvider::queue(const std::string& path, const Request& request) {
     const auto [at, added] = pending_.try_emplace(path, request);
     if (added) {
         const int rank = onScreen_.count(path) ? 0 : near_.count(path) ? 1 : 2;
-        queues_[rank].push_back(path);
+        if (rank < 2) {
+            queues_[rank].push_back(path);
+        } else {
+            auto& others = queues_[2];
+            others.push_front(path);
+            if (others.size() > waitingLimit) {
+                pending_.erase(others.back());
+                others.pop_back();
+            }
+        }
     } else {
         at->second = {request.size, request.modified, request.share,
                       request.blur || at->second.blur};

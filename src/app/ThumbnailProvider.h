@@ -39,6 +39,10 @@ class ThumbnailProvider : public QObject {
     // The bytes of pixels kept in memory now.
     qint64 bytesHeld() const { return held_; }
 
+    // How many thumbnails asked for outside `prioritise` wait at most: while the grid scrolls
+    // fast, the ones asked for last are made first, and those asked for pages ago are let go.
+    static constexpr size_t waitingLimit = 256;
+
   signals:
     // The thumbnail of this path is ready: ask again.
     void ready(const QString& path);
@@ -76,7 +80,8 @@ class ThumbnailProvider : public QObject {
     qint64 held_ = 0;
     std::unordered_map<std::string, Entry> entries_;
     std::list<std::string> recent_; // most recently shown first
-    // Queued work by rank: on screen, near, anything else; each path once across all three.
+    // Queued work by rank: on screen, near, anything else (newest first); each path once across
+    // all three.
     std::array<std::deque<std::string>, 3> queues_;
     std::unordered_map<std::string, Request> pending_;
     std::unordered_set<std::string> running_, onScreen_, near_;

@@ -212,6 +212,34 @@ TEST_F(ThumbnailProviderTest, DropsQueuedWorkForWhatIsNeitherOnScreenNorNear) {
     EXPECT_EQ(readied, (std::vector{shots[0].path, shots[1].path, shots[8].path, shots[9].path}));
 }
 
+TEST_F(ThumbnailProviderTest, WhileScrollingFastMakesTheLastAskedFirstAndLetsTheOldestGo) {
+    const size_t n = ThumbnailProvider::waitingLimit + 10;
+    std::vector<Shot> shots;
+    for (size_t i = 0; i < n; ++i) {
+        const std::string picture = dir.file("fast" + std::to_string(i) + ".png");
+        drawPicture(picture, Qt::yellow, {64, 48});
+        shots.push_back(shotOf(picture));
+    }
+    ThumbnailProvider provider;
+    std::vector<std::string> readied;
+    QObject::connect(&provider, &ThumbnailProvider::ready,
+                     [&](const QString& path) { readied.push_back(path.toStdString()); });
+    // Asked as a grid paints page after page, with no pause to say what is on screen: the first
+    // two are made at once, and 256 of the other 264 wait.
+    for (const Shot& shot : shots)
+        provider.thumbnail(shot, false);
+    ASSERT_TRUE(waitFor([&] { return readied.size() >= n - 8; }, 60000)) << readied.size();
+    waitFor([] { return false; }, 300); // anything else would arrive meanwhile
+    ASSERT_EQ(readied.size(), n - 8);
+    std::vector<std::string> firstFour(readied.begin(), readied.begin() + 4);
+    std::sort(firstFour.begin(), firstFour.end());
+    std::vector<std::string> expected{shots[0].path, shots[1].path, shots[n - 2].path, shots[n - 1].path};
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(firstFour, expected);
+    for (size_t i = 2; i < 10; ++i)
+        EXPECT_EQ(std::count(readied.begin(), readied.end(), shots[i].path), 0) << i;
+}
+
 TEST_F(ThumbnailProviderTest, KeepsMemoryWithinItsBudget) {
     constexpr qint64 budget = 3 * 256 * 192 * 4;
     ThumbnailProvider provider(budget);
