@@ -39,10 +39,10 @@ constexpr int textContrast = 32;
 constexpr size_t flatShare = 4;
 // Ink whose darkest pixels within this many tiles are lighter than `faintInk` but still
 // `inkContrast` below white (grey text) is deepened, so that the recogniser's one threshold
-// between ink and ground keeps it; a quarter of its depth next to white is taken for ground.
+// between ink and ground keeps it.
 constexpr int inkReach = 1;
 constexpr int faintInk = 96;
-constexpr int faintestShare = 4;
+constexpr int edgeShare = 6;
 // Neighbouring tiles whose grounds differ by at most this belong to the same region.
 constexpr int sameGround = 16;
 
@@ -204,13 +204,14 @@ void deepenFaintInk(GrayImage& image) {
                     ink = std::min(ink, darkest[size_t(y) * size_t(columns) + size_t(x)]);
             const int depth = 255 - ink;
             if (depth < inkContrast || depth >= 255 - faintInk) continue;
-            // The ink's darkest becomes black, and the faintest quarter of its depth white: the
-            // marks around the letters (a card's hatching, anti-aliasing) fade as they darken.
-            const int span = depth - depth / faintestShare;
+            // The darkest sixth of the ink's depth becomes black and the faintest sixth white:
+            // the letters' cores darken, the marks around them (a card's hatching,
+            // anti-aliasing) fade.
+            const int black = ink + depth / edgeShare, span = depth - 2 * (depth / edgeShare);
             for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y)
                 for (int x = tx * tileSize; x < std::min(image.width, (tx + 1) * tileSize); ++x) {
                     uint8_t& pixel = image.pixels[size_t(y) * size_t(image.width) + size_t(x)];
-                    pixel = uint8_t(std::clamp((pixel - ink) * 255 / span, 0, 255));
+                    pixel = uint8_t(std::clamp((pixel - black) * 255 / span, 0, 255));
                 }
         }
 }
