@@ -49,15 +49,18 @@ bool isCodeBracket(char32_t c) {
 bool looksLikeIcon(std::string_view text, float confidence) {
     if (confidence >= sureConfidence) return false;
     size_t characters = 0;
-    bool letters = false;
+    bool letters = false, brackets = false, otherSigns = false;
     for (int32_t i = 0; i < int32_t(text.size());) {
         UChar32 c;
         U8_NEXT(text.data(), i, int32_t(text.size()), c);
         ++characters;
-        if (u_isdigit(c) || u_charType(c) == U_CURRENCY_SYMBOL || c == '%' || isCodeBracket(c))
-            return false;
+        if (u_isdigit(c) || u_charType(c) == U_CURRENCY_SYMBOL || c == '%') return false;
         letters = letters || u_isalpha(c);
+        brackets = brackets || isCodeBracket(c);
+        otherSigns = otherSigns || (!u_isalpha(c) && !isCodeBracket(c));
     }
+    // Brackets are code's, unless a sign that code would not put beside them comes along ("@)").
+    if (brackets && !otherSigns) return false;
     if (characters == 2 && letters) return confidence < sureOfTwoLetters;
     return characters <= 2 || !letters;
 }

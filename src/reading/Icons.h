@@ -13,7 +13,8 @@ namespace lumivale::Icons {
 
 // Whether a word reads like an icon: the engine is unsure of it, and it is one character, two
 // of which one is a letter (a two-letter word needs the engine to be very unsure), or holds no
-// letter; numbers, currency and per cent signs and the brackets of code never are.
+// letter; numbers, currency and per cent signs never are, nor the brackets of code unless a
+// sign of another kind stands with them ("@)", a favicon).
 bool looksLikeIcon(std::string_view text, float confidence);
 
 // What a word of a phone's status bar stands for, if it is text: a clock time, a battery level

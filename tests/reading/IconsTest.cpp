@@ -30,6 +30,9 @@ TEST(IconsTest, WordsThatReadLikeIcons) {
         {"%", 30, false},
         {"}", 30, false},
         {"4Q", 20, false},
+        {"[s", 30, false},
+        {"();", 30, false},
+        {"@)", 30, true},
         // Longer words with letters are words, however unsure.
         {"Tazaa", 40, false},
         {"Now", 47, false},
