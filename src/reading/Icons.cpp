@@ -17,6 +17,8 @@ constexpr float sureOfTwoLetters = 60;
 constexpr double statusBarDepth = 0.07;
 constexpr double phoneShape = 1.6;
 constexpr size_t maxCrosses = 3;
+// A line whose every word the engine is this unsure of is no text.
+constexpr float unsureLine = 25;
 
 bool hasDigit(std::string_view text) {
     return std::any_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
@@ -106,6 +108,18 @@ std::optional<std::string> statusBarText(std::string_view text, float confidence
 void mark(std::vector<Lines::Word>& words, int width, int height) {
     for (size_t i = 0; i < words.size(); ++i)
         words[i].icon = looksLikeIcon(words[i].text, words[i].confidence) || isStraySign(words, i);
+    // An engine's line none of whose words it is anywhere near sure of is a pattern or a picture
+    // read as letters ("CEEC EPEC"), not text.
+    for (size_t start = 0; start < words.size();) {
+        size_t end = start + 1;
+        while (end < words.size() && !words[end].startsLine)
+            ++end;
+        if (std::all_of(words.begin() + std::ptrdiff_t(start), words.begin() + std::ptrdiff_t(end),
+                        [](const Lines::Word& w) { return w.confidence < unsureLine; }))
+            for (size_t i = start; i < end; ++i)
+                words[i].icon = true;
+        start = end;
+    }
     if (words.empty() || width <= 0 || height < phoneShape * width) return;
     const auto top = std::min_element(words.begin(), words.end(), [](const auto& a, const auto& b) {
         return a.box.top < b.box.top;
