@@ -42,10 +42,10 @@ bool isStraySign(const std::vector<Lines::Word>& words, size_t i) {
         ++characters;
     }
     // A close button is read as one cross, or unsurely as a few ("Xx").
-    const bool cross = crosses && (characters == 1 || (characters <= maxCrosses &&
-                                                       word.confidence < sureConfidence));
-    const bool unsureCurrency = characters == 1 && u_charType(c) == U_CURRENCY_SYMBOL &&
-                                word.confidence < sureConfidence;
+    const bool cross = crosses && (characters == 1 ||
+                                   (characters <= maxCrosses && word.confidence < sureConfidence));
+    const bool unsureCurrency =
+        characters == 1 && u_charType(c) == U_CURRENCY_SYMBOL && word.confidence < sureConfidence;
     if (!cross && !unsureCurrency) return false;
     // A number beside it makes it a price's or a size's; an icon beside it is no number.
     const bool numberBefore =

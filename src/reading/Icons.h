@@ -24,9 +24,9 @@ std::optional<std::string> statusBarText(std::string_view text, float confidence
 
 // Marks the words that look like icons, and the lone signs that stand beside no number of their
 // line: a currency sign the engine is unsure of (a back arrow read as "€") and a cross (a close
-// button; a few unsure ones, "Xx", too). On a phone's screenshot (upright, at least 1.6 times as tall as wide) the status bar,
-// the first row of words when it lies in the top 7 % of the picture, keeps only its text.
-// `width` × `height` is the size of the recognised picture.
+// button; a few unsure ones, "Xx", too). On a phone's screenshot (upright, at least 1.6 times as
+// tall as wide) the status bar, the first row of words when it lies in the top 7 % of the picture,
+// keeps only its text. `width` × `height` is the size of the recognised picture.
 void mark(std::vector<Lines::Word>& words, int width, int height);
 
 } // namespace lumivale::Icons

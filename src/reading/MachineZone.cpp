@@ -87,8 +87,9 @@ bool isDigit(char c) {
 
 bool holds(const std::string& line, const CheckedField& field) {
     const char check = line[field.start + field.length];
-    return isDigit(check) && Sensitive::zoneCheckDigit(std::string_view(line).substr(
-                                 field.start, field.length)) == check - '0';
+    return isDigit(check) &&
+           Sensitive::zoneCheckDigit(std::string_view(line).substr(field.start, field.length)) ==
+               check - '0';
 }
 
 // Puts right the characters of a checked field that the recogniser took for their look-alikes
@@ -148,7 +149,8 @@ std::string repaired(std::string_view text) {
             size_t end = i;
             while (end < out.size() && out[end] >= 'A' && out[end] <= 'Z')
                 ++end;
-            if (end == out.size() || out[end] == '<') std::fill(out.begin() + i, out.begin() + end, '<');
+            if (end == out.size() || out[end] == '<')
+                std::fill(out.begin() + i, out.begin() + end, '<');
         }
         fillers = out[i] == '<' ? fillers + 1 : 0;
     }

@@ -13,22 +13,22 @@ namespace lumivale::ReadingLanguages {
 namespace {
 
 struct Model {
-    std::string_view name;   // the model file's name without ".traineddata"
+    std::string_view name; // the model file's name without ".traineddata"
     std::string_view tag;
     std::string_view script; // the model of its script, which reads every language written in it
 };
 
 // In this order the installed models are listed.
 constexpr std::array<Model, 30> modelTable{{
-    {"eng", "en-US", "Latin"},     {"deu", "de-DE", "Latin"},      {"fra", "fr-FR", "Latin"},
-    {"spa", "es-ES", "Latin"},     {"ita", "it-IT", "Latin"},      {"por", "pt-BR", "Latin"},
-    {"nld", "nl-NL", "Latin"},     {"swe", "sv-SE", "Latin"},      {"dan", "da-DK", "Latin"},
-    {"nor", "nb-NO", "Latin"},     {"fin", "fi-FI", "Latin"},      {"pol", "pl-PL", "Latin"},
-    {"ces", "cs-CZ", "Latin"},     {"slk", "sk-SK", "Latin"},      {"hun", "hu-HU", "Latin"},
-    {"tur", "tr-TR", "Latin"},     {"rus", "ru-RU", "Cyrillic"},   {"ukr", "uk-UA", "Cyrillic"},
-    {"ell", "el-GR", "Greek"},     {"heb", "he-IL", "Hebrew"},     {"ara", "ar-SA", "Arabic"},
-    {"hin", "hi-IN", "Devanagari"}, {"tha", "th-TH", "Thai"},      {"vie", "vi-VN", "Vietnamese"},
-    {"ind", "id-ID", "Latin"},     {"msa", "ms-MY", "Latin"},      {"jpn", "ja-JP", "Japanese"},
+    {"eng", "en-US", "Latin"},      {"deu", "de-DE", "Latin"},      {"fra", "fr-FR", "Latin"},
+    {"spa", "es-ES", "Latin"},      {"ita", "it-IT", "Latin"},      {"por", "pt-BR", "Latin"},
+    {"nld", "nl-NL", "Latin"},      {"swe", "sv-SE", "Latin"},      {"dan", "da-DK", "Latin"},
+    {"nor", "nb-NO", "Latin"},      {"fin", "fi-FI", "Latin"},      {"pol", "pl-PL", "Latin"},
+    {"ces", "cs-CZ", "Latin"},      {"slk", "sk-SK", "Latin"},      {"hun", "hu-HU", "Latin"},
+    {"tur", "tr-TR", "Latin"},      {"rus", "ru-RU", "Cyrillic"},   {"ukr", "uk-UA", "Cyrillic"},
+    {"ell", "el-GR", "Greek"},      {"heb", "he-IL", "Hebrew"},     {"ara", "ar-SA", "Arabic"},
+    {"hin", "hi-IN", "Devanagari"}, {"tha", "th-TH", "Thai"},       {"vie", "vi-VN", "Vietnamese"},
+    {"ind", "id-ID", "Latin"},      {"msa", "ms-MY", "Latin"},      {"jpn", "ja-JP", "Japanese"},
     {"chi_sim", "zh-Hans", "HanS"}, {"chi_tra", "zh-Hant", "HanT"}, {"kor", "ko-KR", "Hangul"},
 }};
 

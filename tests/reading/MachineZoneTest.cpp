@@ -148,10 +148,9 @@ TEST(MachineZoneTest, ALineBesideTheZoneComesAfterIt) {
     std::vector<std::string> texts;
     for (const TextLine& line : lines)
         texts.push_back(line.text);
-    EXPECT_EQ(texts, (std::vector<std::string>{"IDALPLK4R7T2V96<<<<<<<<<<<<<<<",
-                                               "9403176F3403163ALP<<<<<<<<<<<8",
-                                               "BEISPIEL<<LIESELOTTE<ANNA<<<<<", "Signature",
-                                               "09:14"}));
+    EXPECT_EQ(texts, (std::vector<std::string>{
+                         "IDALPLK4R7T2V96<<<<<<<<<<<<<<<", "9403176F3403163ALP<<<<<<<<<<<8",
+                         "BEISPIEL<<LIESELOTTE<ANNA<<<<<", "Signature", "09:14"}));
 }
 
 } // namespace

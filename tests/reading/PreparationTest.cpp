@@ -49,9 +49,11 @@ TEST(PreparationTest, ScaleBringsLettersToAGoodSizeWithinTheBudget) {
         double expected;
     } cases[] = {
         // Enlarged at most three times within the pixel budget, never reduced by it.
-        {5, 1000, 800, 2.6},  {9, 1000, 800, 13.0 / 9}, {12, 1000, 800, 1.0}, {30, 1000, 800, 1.0},
-        {60, 1000, 800, 0.5}, {2, 1000, 800, 3.0}, {4, 3000, 2000, 1.632993},
-        {2, 6000, 6000, 1.0}, {0, 1000, 800, 1.0}, {5, 0, 0, 1.0},
+        {5, 1000, 800, 2.6},       {9, 1000, 800, 13.0 / 9},
+        {12, 1000, 800, 1.0},      {30, 1000, 800, 1.0},
+        {60, 1000, 800, 0.5},      {2, 1000, 800, 3.0},
+        {4, 3000, 2000, 1.632993}, {2, 6000, 6000, 1.0},
+        {0, 1000, 800, 1.0},       {5, 0, 0, 1.0},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.letter << " px in " << c.width << "×" << c.height);
