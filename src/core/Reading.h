@@ -20,6 +20,6 @@ struct Reading {
 };
 
 // The version of the reading procedure, stored on each shot it read.
-inline constexpr int64_t readerVersion = 2;
+inline constexpr int64_t readerVersion = 3;
 
 } // namespace lumivale

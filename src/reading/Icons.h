@@ -13,7 +13,8 @@ namespace lumivale::Icons {
 
 // Whether a word reads like an icon: the engine is unsure of it, and it is one character, two
 // of which one is a letter (a two-letter word needs the engine to be very unsure), or holds no
-// letter; numbers, currency and per cent signs and the brackets of code never are.
+// letter; numbers (but a maximise button's "O0" or "-0"), currency and per cent signs never are,
+// nor the brackets of code unless a sign of another kind stands with them ("@)", a favicon).
 bool looksLikeIcon(std::string_view text, float confidence);
 
 // What a word of a phone's status bar stands for, if it is text: a clock time, a battery level
@@ -23,9 +24,9 @@ std::optional<std::string> statusBarText(std::string_view text, float confidence
 
 // Marks the words that look like icons, and the lone signs that stand beside no number of their
 // line: a currency sign the engine is unsure of (a back arrow read as "€") and a cross (a close
-// button). On a phone's screenshot (upright, at least 1.6 times as tall as wide) the status bar,
-// the first row of words when it lies in the top 7 % of the picture, keeps only its text.
-// `width` × `height` is the size of the recognised picture.
+// button; a few unsure ones, "Xx", too). On a phone's screenshot (upright, at least 1.6 times as
+// tall as wide) the status bar, the first row of words when it lies in the top 7 % of the picture,
+// keeps only its text. `width` × `height` is the size of the recognised picture.
 void mark(std::vector<Lines::Word>& words, int width, int height);
 
 } // namespace lumivale::Icons

@@ -42,7 +42,21 @@ std::vector<Piece> pieces(const std::vector<Word>& words) {
         }
         found.push_back(std::move(piece));
     }
-    return found;
+    // The engine now and then reads part of a line twice, as a line of its own inside the
+    // other's box ("hat" within "< Chats"): such an echo goes.
+    const auto inside = [](const PixelBox& a, const PixelBox& b) {
+        return a.left >= b.left && a.right <= b.right && a.top >= b.top && a.bottom <= b.bottom;
+    };
+    std::vector<Piece> kept;
+    for (size_t i = 0; i < found.size(); ++i) {
+        const bool echo = std::any_of(found.begin(), found.end(), [&](const Piece& other) {
+            return &other != &found[i] && other.text.size() > found[i].text.size() &&
+                   inside(found[i].box, other.box) &&
+                   other.text.find(found[i].text) != std::string::npos;
+        });
+        if (!echo) kept.push_back(std::move(found[i]));
+    }
+    return kept;
 }
 
 std::optional<TextLine> make(std::string_view text, PixelBox box, int width, int height) {

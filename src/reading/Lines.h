@@ -33,7 +33,8 @@ struct Piece {
 // The engine's lines rebuilt from their words, each cut where two words stand further apart
 // than twice the line's height: a label and its value at either edge of a screen, or two
 // columns, are separate lines, as separate pieces of text. Words marked as icons are left out
-// at either end of a piece (a favicon, a tab's close button); between words they stay.
+// at either end of a piece (a favicon, a tab's close button); between words they stay. A piece
+// that lies inside another's box and reads as part of it is an echo of that one, and goes.
 std::vector<Piece> pieces(const std::vector<Word>& words);
 
 // The line kept from one line of recognised text: the text without the spaces, tabs and

@@ -1,8 +1,12 @@
 #include "reading/MachineZone.h"
 
+#include "core/Sensitive.h"
+
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <unicode/normalizer2.h>
+#include <unicode/utf8.h>
 
 namespace lumivale::MachineZone {
 
@@ -16,6 +20,17 @@ constexpr size_t standardLengths[] = {30, 36, 44};
 
 bool isZoneCharacter(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '<';
+}
+
+// The capital an accented capital is written on ("Á" → "A").
+std::optional<char> baseCapital(UChar32 c) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* nfd = icu::Normalizer2::getNFDInstance(status);
+    icu::UnicodeString parts;
+    if (U_FAILURE(status) || !nfd->getDecomposition(c, parts) || parts.isEmpty()) return {};
+    const UChar32 base = parts.char32At(0);
+    if (base >= 'A' && base <= 'Z') return char(base);
+    return {};
 }
 
 std::string withoutSpaces(std::string_view text) {
@@ -38,6 +53,68 @@ std::optional<size_t> zoneLength(const std::map<size_t, size_t>& lengths, size_t
     return std::nullopt;
 }
 
+// A field that a check digit follows; dates hold digits only.
+struct CheckedField {
+    size_t start, length;
+    bool digitsOnly;
+};
+
+// The checked fields of line `index` of a zone whose lines are `length` long: an identity card's
+// document number on its first line and its dates on the second (30), a passport's or a card's
+// document number and dates on the second line (44, 36).
+std::vector<CheckedField> checkedFields(size_t length, size_t index) {
+    if (length == 30 && index == 0) return {{5, 9, false}};
+    if (length == 30 && index == 1) return {{0, 6, true}, {8, 6, true}};
+    if ((length == 36 || length == 44) && index == 1)
+        return {{0, 9, false}, {13, 6, true}, {21, 6, true}};
+    return {};
+}
+
+// The digit a letter is misread for, and back; 0 when it has none.
+char lookAlike(char c) {
+    constexpr std::pair<char, char> pairs[] = {{'0', 'O'}, {'1', 'I'}, {'2', 'Z'}, {'4', 'A'},
+                                               {'5', 'S'}, {'6', 'G'}, {'7', 'T'}, {'8', 'B'}};
+    for (const auto& [digit, letter] : pairs) {
+        if (c == digit) return letter;
+        if (c == letter) return digit;
+    }
+    return 0;
+}
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+bool holds(const std::string& line, const CheckedField& field) {
+    const char check = line[field.start + field.length];
+    return isDigit(check) &&
+           Sensitive::zoneCheckDigit(std::string_view(line).substr(field.start, field.length)) ==
+               check - '0';
+}
+
+// Puts right the characters of a checked field that the recogniser took for their look-alikes
+// ("A" for "4"): letters in dates and in check digits become digits; then, if the check still
+// fails, the one swap of a look-alike that makes it hold is made, when there is exactly one.
+void putRight(std::string& line, const CheckedField& field) {
+    if (line.size() <= field.start + field.length) return;
+    const size_t check = field.start + field.length;
+    for (size_t i = field.start; i <= check; ++i)
+        if ((field.digitsOnly || i == check) && !isDigit(line[i]) && lookAlike(line[i]))
+            line[i] = lookAlike(line[i]);
+    if (holds(line, field)) return;
+    std::optional<std::string> fixed;
+    for (size_t i = field.start; i < check; ++i) {
+        const char swap = lookAlike(line[i]);
+        if (!swap || (field.digitsOnly && !isDigit(swap))) continue;
+        std::string candidate = line;
+        candidate[i] = swap;
+        if (!holds(candidate, field)) continue;
+        if (fixed) return; // two ways to make it hold: neither is sure
+        fixed = std::move(candidate);
+    }
+    if (fixed) line = std::move(*fixed);
+}
+
 } // namespace
 
 bool looksLikeZoneLine(std::string_view text) {
@@ -51,37 +128,53 @@ bool looksLikeZoneLine(std::string_view text) {
 }
 
 std::string repaired(std::string_view text) {
-    std::string s = withoutSpaces(text);
-    // Guillemets stand for two fillers or one; other characters beyond ASCII for one.
+    const std::string s = withoutSpaces(text);
+    // Guillemets stand for two fillers or one; a capital with an accent for the capital (a zone
+    // holds none); other characters beyond ASCII for one filler.
     std::string out;
-    for (size_t i = 0; i < s.size();) {
-        const unsigned char c = s[i];
-        if (s.compare(i, 2, "\u00ab") == 0 || s.compare(i, 2, "\u00bb") == 0) {
+    for (int32_t i = 0; i < int32_t(s.size());) {
+        UChar32 c;
+        U8_NEXT(s.data(), i, int32_t(s.size()), c);
+        if (c == U'\u00ab' || c == U'\u00bb')
             out += "<<";
-            i += 2;
-            continue;
-        }
-        size_t length = 1;
-        if (c >= 0xf0)
-            length = 4;
-        else if (c >= 0xe0)
-            length = 3;
-        else if (c >= 0xc0)
-            length = 2;
-        out += length == 1 && isZoneCharacter(char(c)) ? char(c) : '<';
-        i += length;
+        else if (c >= 0 && c < 0x80)
+            out += isZoneCharacter(char(c)) ? char(c) : '<';
+        else
+            out += baseCapital(c).value_or('<');
     }
     size_t fillers = 0;
     for (size_t i = 0; i < out.size(); ++i) {
-        const bool stray = out[i] >= 'A' && out[i] <= 'Z' && fillers >= fillersBeforeStrayLetter &&
-                           i + 1 < out.size() && out[i + 1] == '<';
-        if (stray) out[i] = '<';
+        if (out[i] >= 'A' && out[i] <= 'Z' && fillers >= fillersBeforeStrayLetter) {
+            // A run of letters after the fillers that a filler or the line's end closes.
+            size_t end = i;
+            while (end < out.size() && out[end] >= 'A' && out[end] <= 'Z')
+                ++end;
+            if (end == out.size() || out[end] == '<')
+                std::fill(out.begin() + i, out.begin() + end, '<');
+        }
         fillers = out[i] == '<' ? fillers + 1 : 0;
     }
     return out;
 }
 
 void repair(std::vector<TextLine>& lines) {
+    // Nothing is printed between the lines of a zone: what is read there within their width is
+    // the ground's pattern, and what is read beside them belongs after them (a signature).
+    for (size_t i = 1; i + 1 < lines.size(); ++i) {
+        const TextLine &above = lines[i - 1], &line = lines[i];
+        if (!looksLikeZoneLine(above.text) || looksLikeZoneLine(line.text) ||
+            !looksLikeZoneLine(lines[i + 1].text))
+            continue;
+        if (line.x >= above.x && line.x + line.w <= above.x + above.w) {
+            lines.erase(lines.begin() + std::ptrdiff_t(i));
+            continue;
+        }
+        size_t end = i + 1;
+        while (end < lines.size() && looksLikeZoneLine(lines[end].text))
+            ++end;
+        std::rotate(lines.begin() + std::ptrdiff_t(i), lines.begin() + std::ptrdiff_t(i + 1),
+                    lines.begin() + std::ptrdiff_t(end));
+    }
     for (size_t start = 0; start < lines.size();) {
         size_t end = start;
         while (end < lines.size() && looksLikeZoneLine(lines[end].text))
@@ -104,6 +197,9 @@ void repair(std::vector<TextLine>& lines) {
                 else if (text.size() < *common && closing > 0)
                     text.append(*common - text.size(), '<');
             }
+        for (size_t i = start; i < end; ++i)
+            for (const CheckedField& field : checkedFields(lines[i].text.size(), i - start))
+                putRight(lines[i].text, field);
         start = end;
     }
 }

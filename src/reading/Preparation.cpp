@@ -12,10 +12,11 @@ namespace lumivale::Preparation {
 
 namespace {
 
-// Measured on drawn screenshots (bench/ReadingBench): letters of 9 to 30 pixels read well;
-// smaller ones are brought to 10, larger ones to 30.
-constexpr double goodLetter = 10;
-constexpr double smallestGoodLetter = 9;
+// Measured on real-looking screenshots (bench/screens.sh): letters of 12 to 30 pixels read well;
+// smaller ones are brought to 13 (below that the recogniser runs small words together), larger
+// ones to 30.
+constexpr double goodLetter = 13;
+constexpr double smallestGoodLetter = 12;
 constexpr double largestGoodLetter = 30;
 constexpr double largestEnlargement = 3;
 constexpr double pixelBudget = 16e6; // bounds the recogniser's memory and time
@@ -36,6 +37,12 @@ constexpr int groundReach = 2;
 constexpr int textContrast = 32;
 // At least one tile in this many of a region of light text is bare ground.
 constexpr size_t flatShare = 4;
+// Ink whose darkest pixels within this many tiles are lighter than `faintInk` but still
+// `inkContrast` below white (grey text) is deepened, so that the recogniser's one threshold
+// between ink and ground keeps it.
+constexpr int inkReach = 1;
+constexpr int faintInk = 96;
+constexpr int edgeShare = 6;
 // Neighbouring tiles whose grounds differ by at most this belong to the same region.
 constexpr int sameGround = 16;
 
@@ -178,6 +185,37 @@ std::vector<bool> lightTextByTile(const Tiles& tiles, const std::vector<int>& gr
 
 } // namespace
 
+void deepenFaintInk(GrayImage& image) {
+    if (image.pixels.empty()) return;
+    const int columns = (image.width + tileSize - 1) / tileSize;
+    const int rows = (image.height + tileSize - 1) / tileSize;
+    std::vector<int> darkest(size_t(columns) * size_t(rows), 255);
+    for (int y = 0; y < image.height; ++y)
+        for (int x = 0; x < image.width; ++x) {
+            int& d = darkest[size_t(y / tileSize) * size_t(columns) + size_t(x / tileSize)];
+            d = std::min<int>(d, image.at(x, y));
+        }
+    for (int ty = 0; ty < rows; ++ty)
+        for (int tx = 0; tx < columns; ++tx) {
+            int ink = 255;
+            for (int y = std::max(0, ty - inkReach); y <= std::min(rows - 1, ty + inkReach); ++y)
+                for (int x = std::max(0, tx - inkReach); x <= std::min(columns - 1, tx + inkReach);
+                     ++x)
+                    ink = std::min(ink, darkest[size_t(y) * size_t(columns) + size_t(x)]);
+            const int depth = 255 - ink;
+            if (depth < inkContrast || depth >= 255 - faintInk) continue;
+            // The darkest sixth of the ink's depth becomes black and the faintest sixth white:
+            // the letters' cores darken, the marks around them (a card's hatching,
+            // anti-aliasing) fade.
+            const int black = ink + depth / edgeShare, span = depth - 2 * (depth / edgeShare);
+            for (int y = ty * tileSize; y < std::min(image.height, (ty + 1) * tileSize); ++y)
+                for (int x = tx * tileSize; x < std::min(image.width, (tx + 1) * tileSize); ++x) {
+                    uint8_t& pixel = image.pixels[size_t(y) * size_t(image.width) + size_t(x)];
+                    pixel = uint8_t(std::clamp((pixel - black) * 255 / span, 0, 255));
+                }
+        }
+}
+
 bool isDark(const GrayImage& image) {
     return !image.pixels.empty() && median(image) < 128;
 }
@@ -263,6 +301,7 @@ GrayImage prepare(GrayImage image) {
     if (letterHeight(image) == 0) return image;
     // Measured again once every region's text is dark: the light text of dark panels counts.
     darkTextOnWhite(image);
+    deepenFaintInk(image);
     const double factor = scaleFor(letterHeight(image), image.width, image.height);
     if (factor != 1)
         if (auto resized = scaled(image, factor)) image = std::move(*resized);

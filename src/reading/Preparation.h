@@ -31,6 +31,10 @@ double scaleFor(double letterHeight, int width, int height);
 // coloured buttons and dark panels all read like print on paper.
 void darkTextOnWhite(GrayImage& image);
 
+// Deepens faint ink on white ground (small grey text) until its darkest pixels are black, so
+// that a single threshold between ink and ground keeps its letters whole.
+void deepenFaintInk(GrayImage& image);
+
 // The picture scaled by `factor`; nothing when it cannot be scaled.
 std::optional<GrayImage> scaled(const GrayImage& image, double factor);
 

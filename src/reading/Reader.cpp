@@ -8,6 +8,7 @@
 #include "reading/ReadingLanguages.h"
 #include "reading/VipsHandles.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
@@ -122,14 +123,33 @@ class Engine {
                 addWordsOfLine(*it, words);
             while (it->Next(tesseract::RIL_TEXTLINE));
         Icons::mark(words, picture.width, picture.height);
-        for (const Lines::Piece& piece : Lines::pieces(words))
+        for (Lines::Piece& piece : Lines::pieces(words)) {
+            if (MachineZone::looksLikeZoneLine(piece.text))
+                piece.text = zoneLine(piece.box, picture.width, picture.height);
             if (auto line = Lines::make(piece.text, piece.box, picture.width, picture.height))
                 lines.push_back(std::move(*line));
+        }
         api_.Clear();
         return done;
     }
 
   private:
+    // A line of a machine-readable zone read again on its own, as only the characters a zone
+    // holds: its fillers and the look-alike letters and digits of its font come out right far
+    // more often than among the page's words.
+    std::string zoneLine(const Lines::PixelBox& box, int width, int height) {
+        const int margin = (box.bottom - box.top) / 2;
+        const int left = std::max(0, box.left - margin), top = std::max(0, box.top - margin);
+        api_.SetRectangle(left, top, std::min(width, box.right + margin) - left,
+                          std::min(height, box.bottom + margin) - top);
+        api_.SetPageSegMode(tesseract::PSM_SINGLE_LINE);
+        api_.SetVariable("tessedit_char_whitelist", "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789<");
+        const std::unique_ptr<char[]> text(api_.GetUTF8Text());
+        api_.SetVariable("tessedit_char_whitelist", "");
+        api_.SetPageSegMode(tesseract::PSM_AUTO);
+        return text ? text.get() : "";
+    }
+
     // Adds the words of the line at `it`, leaving `it` at its last word. The line's box is
     // asked for once: the engine measures it anew on every call.
     static void addWordsOfLine(tesseract::ResultIterator& it, std::vector<Lines::Word>& words) {

@@ -15,18 +15,21 @@ namespace {
 struct Model {
     std::string_view name; // the model file's name without ".traineddata"
     std::string_view tag;
+    std::string_view script; // the model of its script, which reads every language written in it
 };
 
 // In this order the installed models are listed.
 constexpr std::array<Model, 30> modelTable{{
-    {"eng", "en-US"},       {"deu", "de-DE"}, {"fra", "fr-FR"}, {"spa", "es-ES"},
-    {"ita", "it-IT"},       {"por", "pt-BR"}, {"nld", "nl-NL"}, {"swe", "sv-SE"},
-    {"dan", "da-DK"},       {"nor", "nb-NO"}, {"fin", "fi-FI"}, {"pol", "pl-PL"},
-    {"ces", "cs-CZ"},       {"slk", "sk-SK"}, {"hun", "hu-HU"}, {"tur", "tr-TR"},
-    {"rus", "ru-RU"},       {"ukr", "uk-UA"}, {"ell", "el-GR"}, {"heb", "he-IL"},
-    {"ara", "ar-SA"},       {"hin", "hi-IN"}, {"tha", "th-TH"}, {"vie", "vi-VN"},
-    {"ind", "id-ID"},       {"msa", "ms-MY"}, {"jpn", "ja-JP"}, {"chi_sim", "zh-Hans"},
-    {"chi_tra", "zh-Hant"}, {"kor", "ko-KR"},
+    {"eng", "en-US", "Latin"},      {"deu", "de-DE", "Latin"},      {"fra", "fr-FR", "Latin"},
+    {"spa", "es-ES", "Latin"},      {"ita", "it-IT", "Latin"},      {"por", "pt-BR", "Latin"},
+    {"nld", "nl-NL", "Latin"},      {"swe", "sv-SE", "Latin"},      {"dan", "da-DK", "Latin"},
+    {"nor", "nb-NO", "Latin"},      {"fin", "fi-FI", "Latin"},      {"pol", "pl-PL", "Latin"},
+    {"ces", "cs-CZ", "Latin"},      {"slk", "sk-SK", "Latin"},      {"hun", "hu-HU", "Latin"},
+    {"tur", "tr-TR", "Latin"},      {"rus", "ru-RU", "Cyrillic"},   {"ukr", "uk-UA", "Cyrillic"},
+    {"ell", "el-GR", "Greek"},      {"heb", "he-IL", "Hebrew"},     {"ara", "ar-SA", "Arabic"},
+    {"hin", "hi-IN", "Devanagari"}, {"tha", "th-TH", "Thai"},       {"vie", "vi-VN", "Vietnamese"},
+    {"ind", "id-ID", "Latin"},      {"msa", "ms-MY", "Latin"},      {"jpn", "ja-JP", "Japanese"},
+    {"chi_sim", "zh-Hans", "HanS"}, {"chi_tra", "zh-Hant", "HanT"}, {"kor", "ko-KR", "Hangul"},
 }};
 
 // Read last, after every other language.
@@ -121,11 +124,18 @@ std::vector<std::string> defaults(const std::vector<std::string>& preferred,
 
 std::string models(const std::vector<std::string>& tags) {
     std::vector<std::string_view> names;
-    for (const std::string& tag : tags)
-        if (const Model* m = modelFor(tag);
-            m && installed(m->name) &&
-            std::find(names.begin(), names.end(), m->name) == names.end())
-            names.push_back(m->name);
+    for (const std::string& tag : tags) {
+        const Model* m = modelFor(tag);
+        if (!m) continue;
+        // The script's model also reads the other languages of the script that a screen mixes
+        // in (a German street name on an English map), where the language's own model would
+        // misread their letters.
+        const std::string_view name = installed(m->script) ? m->script
+                                      : installed(m->name) ? m->name
+                                                           : std::string_view();
+        if (!name.empty() && std::find(names.begin(), names.end(), name) == names.end())
+            names.push_back(name);
+    }
     if (names.empty()) return "eng";
     std::string joined(names.front());
     for (size_t i = 1; i < names.size(); ++i)

@@ -18,8 +18,10 @@ std::vector<std::string> preferred();
 std::vector<std::string> defaults(const std::vector<std::string>& preferred,
                                   const std::vector<std::string>& supported);
 
-// The recognition models for these tags as the engine takes them ("eng+deu"): tags without an
-// installed model are left out, and "eng" stands in when none is left.
+// The recognition models for these tags as the engine takes them ("eng+deu"): each language is
+// read by the model of its script where that is installed ("Latin" reads English and German
+// alike), else by its own model; tags without an installed model are left out, and "eng" stands
+// in when none is left.
 std::string models(const std::vector<std::string>& tags);
 
 } // namespace lumivale::ReadingLanguages

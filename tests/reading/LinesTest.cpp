@@ -33,6 +33,18 @@ TEST(LinesTest, PiecesCutTheEnginesLinesAtWideGaps) {
         {"each of the engine's lines starts anew",
          {word("a", 0, 10, one, true), word("b", 0, 10, two, true), word("c", 20, 30, two)},
          {"a", "b c"}},
+        {"an echo inside a line goes",
+         {word("hat", 30, 60, {20, 102, 80, 118}, true), word("<", 0, 10, one, true),
+          word("Chats", 20, 80, one)},
+         {"< Chats"}},
+        {"a line that reads otherwise stays",
+         {word("hot", 30, 60, {20, 102, 80, 118}, true), word("<", 0, 10, one, true),
+          word("Chats", 20, 80, one)},
+         {"hot", "< Chats"}},
+        {"the same words elsewhere stay",
+         {word("Chats", 20, 80, two, true), word("<", 0, 10, one, true),
+          word("Chats", 20, 80, one)},
+         {"Chats", "< Chats"}},
         {"nothing", {}, {}},
     };
     for (const auto& c : cases) {

@@ -49,13 +49,44 @@ TEST(PreparationTest, ScaleBringsLettersToAGoodSizeWithinTheBudget) {
         double expected;
     } cases[] = {
         // Enlarged at most three times within the pixel budget, never reduced by it.
-        {5, 1000, 800, 2.0},  {9, 1000, 800, 1.0}, {30, 1000, 800, 1.0},
-        {60, 1000, 800, 0.5}, {2, 1000, 800, 3.0}, {4, 3000, 2000, 1.632993},
-        {2, 6000, 6000, 1.0}, {0, 1000, 800, 1.0}, {5, 0, 0, 1.0},
+        {5, 1000, 800, 2.6},       {9, 1000, 800, 13.0 / 9},
+        {12, 1000, 800, 1.0},      {30, 1000, 800, 1.0},
+        {60, 1000, 800, 0.5},      {2, 1000, 800, 3.0},
+        {4, 3000, 2000, 1.632993}, {2, 6000, 6000, 1.0},
+        {0, 1000, 800, 1.0},       {5, 0, 0, 1.0},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.letter << " px in " << c.width << "×" << c.height);
         EXPECT_NEAR(Preparation::scaleFor(c.letter, c.width, c.height), c.expected, 1e-5);
+    }
+}
+
+TEST(PreparationTest, FaintInkIsDeepenedAndNothingElse) {
+    const struct {
+        const char* name;
+        test::Colour ink;
+        bool deepened;
+    } cases[] = {
+        {"small grey text", {150, 150, 150}, true},
+        {"light grey text", {185, 185, 185}, true},
+        {"black text", black, false},
+        {"a faint ground pattern", {225, 225, 225}, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Canvas canvas(600, 60, white);
+        canvas.text(c.ink, 10, 20, "Liberation Sans 11", sentence);
+        const GrayImage grey = canvas.grey();
+        GrayImage deepened = grey;
+        Preparation::deepenFaintInk(deepened);
+        if (c.deepened) {
+            EXPECT_LT(darkest(deepened, 0, 0, 600, 60), 40);
+            // The ground stays white, and no more ink appears than there was.
+            EXPECT_GE(lightShare(deepened, 0, 0, 600, 60, 250),
+                      lightShare(grey, 0, 0, 600, 60, 250));
+        } else {
+            EXPECT_EQ(deepened.pixels, grey.pixels);
+        }
     }
 }
 
